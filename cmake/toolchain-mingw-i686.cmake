@@ -1,0 +1,19 @@
+# Cross build of the 32-bit Windows control on Linux with MinGW-w64.
+# The posix-threads compiler is used because GoogleTest needs std::mutex;
+# everything is linked statically, so nothing but system DLLs is imported.
+set(CMAKE_SYSTEM_NAME Windows)
+set(CMAKE_SYSTEM_PROCESSOR i686)
+set(TOOLCHAIN_PREFIX i686-w64-mingw32)
+
+set(CMAKE_C_COMPILER ${TOOLCHAIN_PREFIX}-gcc-posix)
+set(CMAKE_CXX_COMPILER ${TOOLCHAIN_PREFIX}-g++-posix)
+set(CMAKE_RC_COMPILER ${TOOLCHAIN_PREFIX}-windres)
+set(WIDL ${TOOLCHAIN_PREFIX}-widl)
+
+set(CMAKE_FIND_ROOT_PATH /usr/${TOOLCHAIN_PREFIX})
+set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
+set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)
+set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)
+
+set(WINE_IDL_DIR /usr/include/wine/wine/windows)
+set(WINE_TLB_DIR /usr/lib/i386-linux-gnu/wine/i386-windows)

@@ -1,0 +1,31 @@
+// The entry points of the in-process server.
+#include <windows.h>
+#include <olectl.h>
+
+#include "com/module.h"
+#include "com/server.h"
+
+using namespace brevantis;
+
+extern "C" BOOL WINAPI DllMain(HINSTANCE instance, DWORD reason, LPVOID) {
+  if (reason == DLL_PROCESS_ATTACH) DisableThreadLibraryCalls(instance);
+  return TRUE;
+}
+
+STDAPI DllGetClassObject(REFCLSID clsid, REFIID iid, void** out) {
+  if (!out) return E_POINTER;
+  *out = nullptr;
+  const ServerClass* serverClass = FindServerClass(clsid);
+  if (!serverClass) return CLASS_E_CLASSNOTAVAILABLE;
+  return CreateClassFactory(*serverClass, iid, out);
+}
+
+STDAPI DllCanUnloadNow() {
+  if (!CanUnload()) return S_FALSE;
+  ReleaseTypeLibCache();
+  return S_OK;
+}
+
+STDAPI DllRegisterServer() { return RegisterServer(false); }
+
+STDAPI DllUnregisterServer() { return UnregisterServer(false); }

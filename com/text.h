@@ -1,0 +1,26 @@
+// Conversions between the control's UTF-16 strings and the ANSI text that the
+// Windows "A" functions take, always through the system code page.
+#pragma once
+
+#include <windows.h>
+#include <oleauto.h>
+#include <string>
+
+namespace brevantis {
+
+// The text of a BSTR; NULL is the empty string. Embedded NULs are kept.
+std::wstring FromBstr(BSTR value);
+
+// A new BSTR holding text (never NULL for a valid argument pointer).
+HRESULT ToBstr(const std::wstring& text, BSTR* out);
+
+// ANSI bytes of text, one or more per character. The result is padded with NULs
+// to at least text.size() bytes, so a byte count equal to the character count
+// never reaches past the end.
+std::string ToAnsi(const std::wstring& text);
+
+// Characters of ANSI bytes; each byte of a single-byte code page gives one.
+std::wstring FromAnsi(const char* bytes, size_t count);
+inline std::wstring FromAnsi(const std::string& bytes) { return FromAnsi(bytes.data(), bytes.size()); }
+
+}  // namespace brevantis

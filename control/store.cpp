@@ -1,0 +1,50 @@
+#include "control/store.h"
+
+#include <new>
+
+namespace brevantis {
+namespace {
+
+// The TLS slot lives as long as the process: a module that is unloaded and
+// loaded again finds its own slot each time.
+DWORD StoreSlot() {
+  static const DWORD slot = TlsAlloc();
+  return slot;
+}
+
+}  // namespace
+
+void Store::Initialise() {
+  for (int i = 0; i < kPropertyCount; ++i) {
+    const PropertyDef& def = kProperties[i];
+    PropertyValue& value = values_[i];
+    value.text = def.defaultText ? def.defaultText : L"";
+    value.number = def.defaultNumber;
+    value.picture = def.type == PropType::Picture ? CreateEmptyPicture() : ComPtr<IPictureDisp>();
+  }
+}
+
+Store& CurrentStore() {
+  Store* store = static_cast<Store*>(TlsGetValue(StoreSlot()));
+  if (!store) {
+    store = new Store();
+    TlsSetValue(StoreSlot(), store);
+  }
+  return *store;
+}
+
+void DestroyCurrentStore() {
+  delete static_cast<Store*>(TlsGetValue(StoreSlot()));
+  TlsSetValue(StoreSlot(), nullptr);
+}
+
+ComPtr<IPictureDisp> CreateEmptyPicture() {
+  PICTDESC desc = {};
+  desc.cbSizeofstruct = sizeof(desc);
+  desc.picType = PICTYPE_NONE;
+  ComPtr<IPictureDisp> picture;
+  OleCreatePictureIndirect(&desc, IID_IPictureDisp, TRUE, picture.OutVoid());
+  return picture;
+}
+
+}  // namespace brevantis

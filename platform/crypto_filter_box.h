@@ -1,0 +1,43 @@
+// clsCryptoFilterBox: signs, validates, encrypts and decrypts text through the
+// Windows CryptoAPI. The host fills the buffers, calls a method and reads the
+// result back.
+#pragma once
+
+#include <windows.h>
+#include <string>
+
+#include "BrevantisLib_h.h"
+#include "com/error_info.h"
+#include "com/object.h"
+
+namespace brevantis {
+
+class CryptoFilterBox : public ComClassBase,
+                        public DispatchImpl<_clsCryptoFilterBox>,
+                        public SupportErrorInfoFor<_clsCryptoFilterBox> {
+ public:
+  static const InterfaceEntry* Interfaces();
+  static HRESULT Create(REFIID iid, void** out);
+
+  STDMETHODIMP get_InBuffer(BSTR* value) override;
+  STDMETHODIMP put_InBuffer(BSTR value) override;
+  STDMETHODIMP get_OutBuffer(BSTR* value) override;
+  STDMETHODIMP get_Signature(BSTR* value) override;
+  STDMETHODIMP put_Signature(BSTR value) override;
+  STDMETHODIMP Sign() override;
+  STDMETHODIMP Validate() override;
+  STDMETHODIMP Encrypt() override;
+  STDMETHODIMP Decrypt() override;
+  STDMETHODIMP get_Status(LONG* value) override;
+  STDMETHODIMP get_Password(BSTR* value) override;
+  STDMETHODIMP put_Password(BSTR value) override;
+
+ private:
+  std::wstring inBuffer_;
+  std::wstring outBuffer_;
+  std::wstring password_;
+  std::wstring signature_;
+  LONG status_ = 0;
+};
+
+}  // namespace brevantis

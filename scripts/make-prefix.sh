@@ -1,0 +1,15 @@
+#!/usr/bin/env bash
+# Creates a 32-bit Wine prefix for the control: fonts, self-drawn window
+# frames (Xvfb has no window manager). Usage: make-prefix.sh DIR
+set -euo pipefail
+dir=$1
+rm -rf "$dir"
+export WINEPREFIX="$dir" WINEARCH=win32 WINEDEBUG=-all
+export WINEDLLOVERRIDES="mscoree,mshtml,winemenubuilder.exe=d"
+wineboot -i >/dev/null 2>&1
+wineserver -w
+mkdir -p "$dir/drive_c/windows/Fonts"
+cp /usr/share/wine/fonts/* "$dir/drive_c/windows/Fonts/" 2>/dev/null || true
+wine reg add 'HKCU\Software\Wine\X11 Driver' /v Decorated /d N /f >/dev/null 2>&1
+wineserver -w
+touch "$dir/.brevantis-ready"
