@@ -8,6 +8,7 @@
 #include "com/module.h"
 #include "com/raii.h"
 #include "com/server.h"
+#include "com/text.h"
 
 namespace brevantis {
 namespace {
@@ -75,8 +76,8 @@ HRESULT ReadTypeLibInfo(TypeLibInfo* info) {
 LONG RegisterClass(const ClassesRoot& root, const ServerClass& c, const TypeLibInfo& lib, const std::wstring& path) {
   const std::wstring clsidKey = L"CLSID\\" + GuidText(*c.clsid);
   const std::wstring progId = c.progId;
-  const std::wstring versionedProgId = progId + L"." + std::to_wstring(lib.major);
-  const std::wstring version = std::to_wstring(lib.major) + L"." + std::to_wstring(lib.minor);
+  const std::wstring versionedProgId = progId + L"." + DecimalText(lib.major);
+  const std::wstring version = DecimalText(lib.major) + L"." + DecimalText(lib.minor);
 
   LONG rc = ERROR_SUCCESS;
   auto set = [&](const std::wstring& key, const wchar_t* name, const std::wstring& value) {
@@ -93,7 +94,7 @@ LONG RegisterClass(const ClassesRoot& root, const ServerClass& c, const TypeLibI
     set(clsidKey + L"\\Control", nullptr, L"");
     set(clsidKey + L"\\ToolboxBitmap32", nullptr, path + L", 1");
     set(clsidKey + L"\\MiscStatus", nullptr, L"0");
-    set(clsidKey + L"\\MiscStatus\\1", nullptr, std::to_wstring(kControlMiscStatus));
+    set(clsidKey + L"\\MiscStatus\\1", nullptr, DecimalText(kControlMiscStatus));
     set(clsidKey + L"\\Implemented Categories\\" + kCatidControl, nullptr, L"");
   }
   set(progId, nullptr, c.description);
@@ -107,7 +108,7 @@ LONG RegisterClass(const ClassesRoot& root, const ServerClass& c, const TypeLibI
 LONG UnregisterClass(const ClassesRoot& root, const ServerClass& c, const TypeLibInfo& lib) {
   const std::wstring progId = c.progId;
   LONG rc = root.DeleteTree(L"CLSID\\" + GuidText(*c.clsid));
-  const LONG rc2 = root.DeleteTree(progId + L"." + std::to_wstring(lib.major));
+  const LONG rc2 = root.DeleteTree(progId + L"." + DecimalText(lib.major));
   const LONG rc3 = root.DeleteTree(progId);
   if (rc == ERROR_SUCCESS) rc = rc2;
   if (rc == ERROR_SUCCESS) rc = rc3;
@@ -158,9 +159,11 @@ HRESULT UnregisterServer(bool perUser) {
     if (rc == ERROR_SUCCESS) rc = classRc;
   }
   // Unregistering what is not registered is not a failure.
-  hr = perUser ? UnregisterTypeLibPerUser(lib)
-               : UnRegisterTypeLib(lib.libid, lib.major, lib.minor, lib.lcid, lib.syskind);
-  if (hr == TYPE_E_REGISTRYACCESS) hr = S_OK;
+  Bstr registeredPath;
+  if (SUCCEEDED(QueryPathOfRegTypeLib(lib.libid, lib.major, lib.minor, lib.lcid, registeredPath.Out()))) {
+    hr = perUser ? UnregisterTypeLibPerUser(lib)
+                 : UnRegisterTypeLib(lib.libid, lib.major, lib.minor, lib.lcid, lib.syskind);
+  }
   return rc != ERROR_SUCCESS ? HRESULT_FROM_WIN32(rc) : hr;
 }
 

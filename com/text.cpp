@@ -41,3 +41,20 @@ std::wstring FromAnsi(const char* bytes, size_t count) {
 }
 
 }  // namespace brevantis
+
+namespace brevantis {
+
+std::wstring DecimalText(long long value, unsigned minDigits) {
+  unsigned long long magnitude = value < 0 ? 0ull - static_cast<unsigned long long>(value)
+                                           : static_cast<unsigned long long>(value);
+  std::wstring digits;
+  do {
+    digits.insert(digits.begin(), static_cast<wchar_t>(L'0' + magnitude % 10));
+    magnitude /= 10;
+  } while (magnitude);
+  if (digits.size() < minDigits) digits.insert(0, minDigits - digits.size(), L'0');
+  if (value < 0) digits.insert(digits.begin(), L'-');
+  return digits;
+}
+
+}  // namespace brevantis

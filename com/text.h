@@ -24,3 +24,11 @@ std::wstring FromAnsi(const char* bytes, size_t count);
 inline std::wstring FromAnsi(const std::string& bytes) { return FromAnsi(bytes.data(), bytes.size()); }
 
 }  // namespace brevantis
+
+namespace brevantis {
+
+// value in decimal with at least minDigits digits (zeros in front), a minus
+// sign before a negative value: 12 with 4 digits is 0012.
+std::wstring DecimalText(long long value, unsigned minDigits = 1);
+
+}  // namespace brevantis

@@ -58,8 +58,12 @@ void WriteRegistryString(const std::wstring& subKey, const std::wstring& valueNa
   RegCreateKeyExA(root, ToAnsi(subKey).c_str(), 0, nullptr, REG_OPTION_NON_VOLATILE, kAccess, nullptr, &key,
                   &disposition);
   // The byte count is the character count: the stored text carries no NUL,
-  // so it reads back one character shorter.
-  const std::string text = ToAnsi(value);
+  // so it reads back one character shorter. The system counts a NUL that
+  // follows the data as if the caller had forgotten it, so the byte after the
+  // counted ones is kept non-NUL.
+  std::string text = ToAnsi(value);
+  text.resize(value.size());
+  text.push_back(' ');
   RegSetValueExA(key, ToAnsi(valueName).c_str(), 0, REG_SZ, reinterpret_cast<const BYTE*>(text.data()),
                  static_cast<DWORD>(value.size()));
   RegCloseKey(key);
