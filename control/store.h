@@ -6,6 +6,7 @@
 #include <windows.h>
 #include <ocidl.h>
 #include <olectl.h>
+#include <memory>
 #include <string>
 
 #include "com/raii.h"
@@ -31,6 +32,13 @@ class Store {
 
   bool inErrorEvent = false;
   bool dialUpUnavailable = false;
+
+  // Forms kept for the thread. Each is created on first need by the module
+  // that owns it, which knows its type; the store only keeps it alive.
+  std::shared_ptr<void> aboutForm;         // the control's about box (About)
+  std::shared_ptr<void> programAboutForm;  // the program's about box and splash screen
+  std::shared_ptr<void> assistantOwner;    // owner window of the dial-up dialog
+  std::shared_ptr<void> dialUpChooser;     // the Windows 95 dial-up chooser
 
  private:
   PropertyValue values_[kPropertyCount];
