@@ -1,0 +1,22 @@
+// The CD catalogue opener.
+#pragma once
+
+#include <windows.h>
+#include <string>
+
+namespace brevantis {
+
+// The root of the first CD-ROM drive in upper case, as the drive list gives
+// it (with its NUL), else the last root examined, else "".
+std::wstring FindCdRomDrive();
+
+enum class CdOutcome {
+  Opened,        // the catalogue page was started in the browser
+  AskedForCd,    // the page was missing: tray opened, user asked for the CD
+  NoBrowser,     // the page is there but no browser was found
+};
+
+// Opens the catalogue page on the CD. Fails only as FindDefaultBrowser does.
+HRESULT OpenCatalogueOnCd(CdOutcome* outcome);
+
+}  // namespace brevantis
