@@ -6,13 +6,7 @@ namespace {
 
 class ClassFactory : public ComClassBase, public IClassFactory {
  public:
-  static const InterfaceEntry* Interfaces() {
-    static const InterfaceEntry table[] = {
-        BREVANTIS_INTERFACE(ClassFactory, IClassFactory),
-        BREVANTIS_INTERFACE_END,
-    };
-    return table;
-  }
+  static const InterfaceEntry* Interfaces();
 
   void Bind(const ServerClass* serverClass) { class_ = serverClass; }
 
@@ -30,6 +24,13 @@ class ClassFactory : public ComClassBase, public IClassFactory {
  private:
   const ServerClass* class_ = nullptr;
 };
+
+const InterfaceEntry kClassFactoryInterfaces[] = {
+    BREVANTIS_INTERFACE(ClassFactory, IClassFactory),
+    BREVANTIS_INTERFACE_END,
+};
+
+const InterfaceEntry* ClassFactory::Interfaces() { return kClassFactoryInterfaces; }
 
 }  // namespace
 

@@ -53,11 +53,15 @@ class ComObject final : public T {
     return left;
   }
 
+  // A new object holding one reference, or nullptr; for code of the server
+  // that prepares the object before handing out an interface.
+  static ComObject* New() { return new (std::nothrow) ComObject(); }
+
   // Creates an object and hands out the interface iid, or fails cleanly.
   static HRESULT Create(REFIID iid, void** out) {
     if (!out) return E_POINTER;
     *out = nullptr;
-    ComObject* object = new (std::nothrow) ComObject();
+    ComObject* object = New();
     if (!object) return E_OUTOFMEMORY;
     HRESULT hr = object->FinalConstruct();
     if (SUCCEEDED(hr)) hr = object->QueryInterface(iid, out);

@@ -1,25 +1,45 @@
+// The control's identity: its interfaces, methods, events and class information.
 #include "control/brevantis_control.h"
 
 #include "com/guard.h"
-#include "com/text.h"
+#include "com/module.h"
 #include "control/store.h"
 
 namespace brevantis {
+
+BrevantisControl::BrevantisControl()
+    : connectionPoints_(static_cast<IConnectionPointContainer*>(this), {&DIID___Brevantis, &IID_IPropertyNotifySink}) {}
+
+BrevantisControl::~BrevantisControl() {
+  if (window_) DestroyWindow(window_);
+}
+
 namespace {
 
-constexpr wchar_t kSource[] = L"BrevantisLib.Brevantis";
+using C = BrevantisControl;
+const InterfaceEntry kControlInterfaces[] = {
+    BREVANTIS_INTERFACE(C, _Brevantis),
+    BREVANTIS_INTERFACE_AS(C, IDispatch, _Brevantis),
+    BREVANTIS_INTERFACE(C, ISupportErrorInfo),
+    BREVANTIS_INTERFACE(C, IOleObject),
+    BREVANTIS_INTERFACE(C, IOleInPlaceObject),
+    BREVANTIS_INTERFACE_AS(C, IOleWindow, IOleInPlaceObject),
+    BREVANTIS_INTERFACE(C, IOleControl),
+    BREVANTIS_INTERFACE(C, IViewObject2),
+    BREVANTIS_INTERFACE_AS(C, IViewObject, IViewObject2),
+    BREVANTIS_INTERFACE(C, IPersistStreamInit),
+    BREVANTIS_INTERFACE(C, IPersistPropertyBag),
+    BREVANTIS_INTERFACE(C, IPersistStorage),
+    BREVANTIS_INTERFACE_AS(C, IPersist, IPersistStreamInit),
+    BREVANTIS_INTERFACE(C, IProvideClassInfo2),
+    BREVANTIS_INTERFACE_AS(C, IProvideClassInfo, IProvideClassInfo2),
+    BREVANTIS_INTERFACE(C, IConnectionPointContainer),
+    BREVANTIS_INTERFACE_END,
+};
 
 }  // namespace
 
-const InterfaceEntry* BrevantisControl::Interfaces() {
-  static const InterfaceEntry table[] = {
-      BREVANTIS_INTERFACE(BrevantisControl, _Brevantis),
-      BREVANTIS_INTERFACE_AS(BrevantisControl, IDispatch, _Brevantis),
-      BREVANTIS_INTERFACE(BrevantisControl, ISupportErrorInfo),
-      BREVANTIS_INTERFACE_END,
-  };
-  return table;
-}
+const InterfaceEntry* BrevantisControl::Interfaces() { return kControlInterfaces; }
 
 HRESULT BrevantisControl::Create(REFIID iid, void** out) {
   return Guarded([&] { return ComObject<BrevantisControl>::Create(iid, out); });
@@ -31,85 +51,64 @@ STDMETHODIMP BrevantisControl::ShowAbout() { return E_NOTIMPL; }
 STDMETHODIMP BrevantisControl::ShowSplashScreen() { return E_NOTIMPL; }
 STDMETHODIMP BrevantisControl::WebConnect(BSTR) { return E_NOTIMPL; }
 
-HRESULT BrevantisControl::GetString(Prop p, BSTR* value) {
-  if (!value) return E_POINTER;
-  return Guarded([&] { return ToBstr(CurrentStore()[p].text, value); });
-}
-
-HRESULT BrevantisControl::PutString(Prop p, BSTR value) {
-  return Guarded([&] {
-    std::wstring text = FromBstr(value);
-    const ULONG maxLength = kProperties[p].maxLength;
-    if (maxLength && text.size() > maxLength) text.resize(maxLength);
-    const HRESULT hr = CheckWritable(p, &text);
-    if (FAILED(hr)) return hr;
-    CurrentStore()[p].text = std::move(text);
-    Changed(p);
-    return S_OK;
-  });
-}
-
-HRESULT BrevantisControl::GetLong(Prop p, LONG* value) {
-  if (!value) return E_POINTER;
-  *value = CurrentStore()[p].number;
-  return S_OK;
-}
-
-HRESULT BrevantisControl::PutLong(Prop p, LONG value) {
-  return Guarded([&] {
-    const HRESULT hr = CheckWritable(p, nullptr);
-    if (FAILED(hr)) return hr;
-    CurrentStore()[p].number = value;
-    Changed(p);
-    return S_OK;
-  });
-}
-
-HRESULT BrevantisControl::GetPicture(Prop p, IPictureDisp** value) {
-  if (!value) return E_POINTER;
-  return Guarded([&] {
-    *value = ComPtr<IPictureDisp>(CurrentStore()[p].picture).Detach();
-    return S_OK;
-  });
-}
-
-HRESULT BrevantisControl::PutPicture(Prop p, IPictureDisp* value) {
-  return Guarded([&] {
-    CurrentStore()[p].picture = ComPtr<IPictureDisp>(value);
-    Changed(p);
-    return S_OK;
-  });
-}
-
-STDMETHODIMP BrevantisControl::get_IsWindowsNT(VARIANT_BOOL* value) {
-  if (!value) return E_POINTER;
-  *value = static_cast<VARIANT_BOOL>(CurrentStore()[kIsWindowsNT].number);
-  return S_OK;
-}
-
-STDMETHODIMP BrevantisControl::put_IsWindowsNT(VARIANT_BOOL) {
-  return Guarded([&] { return CheckWritable(kIsWindowsNT, nullptr); });
-}
-
-HRESULT BrevantisControl::CheckWritable(Prop p, const std::wstring* newText) {
-  switch (kProperties[p].access) {
-    case Access::ReadWrite:
-      return S_OK;
-    case Access::Version:
-      if (newText && *newText == CurrentStore()[p].text) return S_OK;
-      return RaiseError(ControlError(383), __uuidof(_Brevantis), kSource,
-                        L"Set not supported (read-only property)");
-    case Access::Environment:
-      break;
+void BrevantisControl::RaiseErrorEvent(short code, const std::wstring& text) {
+  Store& store = CurrentStore();
+  if (store.inErrorEvent) return;
+  store.inErrorEvent = true;
+  // Cleared however the handlers end, so one failing sink silences nothing for good.
+  struct ClearFlag {
+    ~ClearFlag() { CurrentStore().inErrorEvent = false; }
+  } clearFlag;
+  std::vector<ComPtr<IDispatch>> sinks;
+  try {
+    sinks = connectionPoints_.Find(DIID___Brevantis)->Sinks<IDispatch>(IID_IDispatch);
+  } catch (...) {
+    return;
   }
-  if (IsDesignTime())
-    return RaiseError(ControlError(387), __uuidof(_Brevantis), kSource, L"Set not permitted");
-  return RaiseError(ControlError(382), __uuidof(_Brevantis), kSource, L"Set not supported at runtime");
+  for (const ComPtr<IDispatch>& sink : sinks) {
+    // Each sink gets its own copies; what a handler writes back is ignored.
+    short codeArg = code;
+    BSTR textArg = SysAllocStringLen(text.data(), static_cast<UINT>(text.size()));
+    VARIANT args[2];
+    VariantInit(&args[0]);
+    VariantInit(&args[1]);
+    V_VT(&args[0]) = VT_BSTR | VT_BYREF;  // last argument first
+    V_BSTRREF(&args[0]) = &textArg;
+    V_VT(&args[1]) = VT_I2 | VT_BYREF;
+    V_I2REF(&args[1]) = &codeArg;
+    DISPPARAMS params = {args, nullptr, 2, 0};
+    try {
+      sink->Invoke(1, IID_NULL, LOCALE_USER_DEFAULT, DISPATCH_METHOD, &params, nullptr, nullptr, nullptr);
+    } catch (...) {
+    }
+    SysFreeString(textArg);
+  }
 }
 
-// Without a client site there is no ambient user mode: that is run time.
-bool BrevantisControl::IsDesignTime() { return false; }
+STDMETHODIMP BrevantisControl::EnumConnectionPoints(IEnumConnectionPoints** points) {
+  return connectionPoints_.EnumConnectionPoints(this, points);
+}
 
-void BrevantisControl::Changed(Prop) {}
+STDMETHODIMP BrevantisControl::FindConnectionPoint(REFIID iid, IConnectionPoint** point) {
+  return connectionPoints_.FindConnectionPoint(iid, point);
+}
+
+STDMETHODIMP BrevantisControl::GetClassInfo(ITypeInfo** info) {
+  if (!info) return E_POINTER;
+  *info = nullptr;
+  ComPtr<ITypeLib> lib;
+  const HRESULT hr = LoadOwnTypeLib(lib.Out());
+  return FAILED(hr) ? hr : lib->GetTypeInfoOfGuid(CLSID_Brevantis, info);
+}
+
+STDMETHODIMP BrevantisControl::GetGUID(DWORD kind, GUID* guid) {
+  if (!guid) return E_POINTER;
+  if (kind != GUIDKIND_DEFAULT_SOURCE_DISP_IID) {
+    *guid = GUID_NULL;
+    return E_INVALIDARG;
+  }
+  *guid = DIID___Brevantis;
+  return S_OK;
+}
 
 }  // namespace brevantis

@@ -5,12 +5,10 @@
 namespace brevantis {
 namespace {
 
-// The TLS slot lives as long as the process: a module that is unloaded and
-// loaded again finds its own slot each time.
-DWORD StoreSlot() {
-  static const DWORD slot = TlsAlloc();
-  return slot;
-}
+// Taken when the module loads, before any thread can ask for its store.
+const DWORD g_storeSlot = TlsAlloc();
+
+DWORD StoreSlot() { return g_storeSlot; }
 
 }  // namespace
 

@@ -5,15 +5,18 @@
 
 namespace brevantis {
 
-const InterfaceEntry* CryptoFilterBox::Interfaces() {
-  static const InterfaceEntry table[] = {
-      BREVANTIS_INTERFACE(CryptoFilterBox, _clsCryptoFilterBox),
-      BREVANTIS_INTERFACE_AS(CryptoFilterBox, IDispatch, _clsCryptoFilterBox),
-      BREVANTIS_INTERFACE(CryptoFilterBox, ISupportErrorInfo),
-      BREVANTIS_INTERFACE_END,
-  };
-  return table;
-}
+namespace {
+
+const InterfaceEntry kCryptoInterfaces[] = {
+    BREVANTIS_INTERFACE(CryptoFilterBox, _clsCryptoFilterBox),
+    BREVANTIS_INTERFACE_AS(CryptoFilterBox, IDispatch, _clsCryptoFilterBox),
+    BREVANTIS_INTERFACE(CryptoFilterBox, ISupportErrorInfo),
+    BREVANTIS_INTERFACE_END,
+};
+
+}  // namespace
+
+const InterfaceEntry* CryptoFilterBox::Interfaces() { return kCryptoInterfaces; }
 
 HRESULT CryptoFilterBox::Create(REFIID iid, void** out) {
   return Guarded([&] { return ComObject<CryptoFilterBox>::Create(iid, out); });

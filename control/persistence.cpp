@@ -1,0 +1,352 @@
+#include "control/persistence.h"
+
+#include <olectl.h>
+#include <algorithm>
+#include <string>
+#include <vector>
+
+#include "com/guard.h"
+#include "com/object.h"
+#include "com/text.h"
+#include "control/environment.h"
+#include "control/property_codec.h"
+#include "control/store.h"
+
+namespace brevantis {
+namespace {
+
+// Bag reads ask for the property's own type; a container may use it as a hint.
+VARTYPE BagType(PropType type) {
+  switch (type) {
+    case PropType::String: return VT_BSTR;
+    case PropType::Long: return VT_I4;
+    case PropType::Bool: return VT_BOOL;
+    case PropType::Picture: return VT_DISPATCH;
+  }
+  return VT_EMPTY;
+}
+
+// Reads one property into value; an absent property gives its default.
+HRESULT ReadProperty(IPropertyBag* bag, IErrorLog* log, const PropertyDef& def, PropertyValue* value) {
+  Variant read;
+  V_VT(read.Get()) = BagType(def.type);
+  const HRESULT hr = bag->Read(def.name, read.Get(), log);
+  if (hr == E_INVALIDARG || (SUCCEEDED(hr) && V_VT(read.Get()) == VT_EMPTY)) {
+    value->text = def.defaultText ? def.defaultText : L"";
+    value->number = def.defaultNumber;
+    value->picture.Reset();  // pictures have no default: Nothing
+    return S_OK;
+  }
+  if (FAILED(hr)) return hr;
+
+  if (def.type == PropType::Picture) {
+    value->picture.Reset();
+    if (V_VT(read.Get()) == VT_NULL) return S_OK;
+    if (V_VT(read.Get()) != VT_DISPATCH && V_VT(read.Get()) != VT_UNKNOWN) return DISP_E_TYPEMISMATCH;
+    IUnknown* object = V_UNKNOWN(read.Get());
+    if (!object) return S_OK;
+    return object->QueryInterface(IID_IPictureDisp, value->picture.OutVoid()) == S_OK ? S_OK : DISP_E_TYPEMISMATCH;
+  }
+  Variant converted;
+  HRESULT changed = VariantChangeType(converted.Get(), read.Get(), 0, BagType(def.type));
+  if (FAILED(changed)) return changed;
+  if (def.type == PropType::String)
+    value->text = FromBstr(V_BSTR(converted.Get()));
+  else if (def.type == PropType::Long)
+    value->number = V_I4(converted.Get());
+  else
+    value->number = V_BOOL(converted.Get()) ? VARIANT_TRUE : VARIANT_FALSE;
+  return S_OK;
+}
+
+HRESULT WriteProperty(IPropertyBag* bag, const PropertyDef& def, const PropertyValue& value) {
+  Variant write;
+  VARIANT* v = write.Get();
+  switch (def.type) {
+    case PropType::String:
+      if (value.text == (def.defaultText ? def.defaultText : L"")) return S_OK;
+      V_VT(v) = VT_BSTR;
+      V_BSTR(v) = SysAllocStringLen(value.text.data(), static_cast<UINT>(value.text.size()));
+      if (!V_BSTR(v)) return E_OUTOFMEMORY;
+      break;
+    case PropType::Long:
+      if (value.number == def.defaultNumber) return S_OK;
+      V_VT(v) = VT_I4;
+      V_I4(v) = value.number;
+      break;
+    case PropType::Bool:
+      if ((value.number != 0) == (def.defaultNumber != 0)) return S_OK;
+      V_VT(v) = VT_BOOL;
+      V_BOOL(v) = value.number ? VARIANT_TRUE : VARIANT_FALSE;
+      break;
+    case PropType::Picture:
+      if (!value.picture) return S_OK;  // Nothing reads back as Nothing
+      V_VT(v) = VT_DISPATCH;
+      V_DISPATCH(v) = value.picture.Get();
+      V_DISPATCH(v)->AddRef();
+      break;
+  }
+  return bag->Write(def.name, v);
+}
+
+// A property bag in memory, in the order of writing: the stream format's
+// values before they are encoded or after they are decoded.
+class MemoryBag : public ComClassBase, public IPropertyBag {
+ public:
+  static const InterfaceEntry* Interfaces();
+
+  STDMETHODIMP Read(LPCOLESTR name, VARIANT* value, IErrorLog*) override {
+    if (!name || !value) return E_POINTER;
+    for (const Entry& entry : entries_)
+      if (entry.name == name) return VariantCopy(value, const_cast<VARIANT*>(entry.value.Get()));
+    return E_INVALIDARG;
+  }
+  STDMETHODIMP Write(LPCOLESTR name, VARIANT* value) override {
+    if (!name || !value) return E_POINTER;
+    return Guarded([&] {
+      entries_.emplace_back();
+      entries_.back().name = name;
+      return VariantCopy(entries_.back().value.Get(), value);
+    });
+  }
+
+  HRESULT Encode(std::string* out) const;
+  HRESULT Decode(const std::vector<CodedValue>& values);
+
+ private:
+  struct Entry {
+    std::wstring name;
+    Variant value;
+  };
+  std::vector<Entry> entries_;
+};
+
+const InterfaceEntry kMemoryBagInterfaces[] = {BREVANTIS_INTERFACE(MemoryBag, IPropertyBag), BREVANTIS_INTERFACE_END};
+const InterfaceEntry* MemoryBag::Interfaces() { return kMemoryBagInterfaces; }
+
+HRESULT PictureToBytes(IUnknown* picture, std::string* bytes) {
+  ComPtr<IPersistStream> persist;
+  HRESULT hr = picture->QueryInterface(IID_IPersistStream, persist.OutVoid());
+  if (FAILED(hr)) return hr;
+  ComPtr<IStream> stream;
+  if (FAILED(hr = CreateStreamOnHGlobal(nullptr, TRUE, stream.Out()))) return hr;
+  if (FAILED(hr = persist->Save(stream.Get(), TRUE))) return hr;
+  HGLOBAL memory = nullptr;
+  STATSTG stat = {};
+  if (FAILED(hr = GetHGlobalFromStream(stream.Get(), &memory)) ||
+      FAILED(hr = stream->Stat(&stat, STATFLAG_NONAME)))
+    return hr;
+  const void* data = GlobalLock(memory);
+  if (!data) return E_OUTOFMEMORY;
+  bytes->assign(static_cast<const char*>(data), static_cast<size_t>(stat.cbSize.QuadPart));
+  GlobalUnlock(memory);
+  return S_OK;
+}
+
+HRESULT BytesToPicture(const std::string& bytes, IPictureDisp** picture) {
+  ComPtr<IStream> stream;
+  HRESULT hr = CreateStreamOnHGlobal(nullptr, TRUE, stream.Out());
+  if (FAILED(hr)) return hr;
+  ULONG written = 0;
+  if (FAILED(hr = stream->Write(bytes.data(), static_cast<ULONG>(bytes.size()), &written))) return hr;
+  const LARGE_INTEGER start = {};
+  stream->Seek(start, STREAM_SEEK_SET, nullptr);
+  ComPtr<IPersistStream> persist;
+  if (FAILED(hr = CoCreateInstance(CLSID_StdPicture, nullptr, CLSCTX_INPROC_SERVER, IID_IPersistStream,
+                                   persist.OutVoid())))
+    return hr;
+  if (FAILED(hr = persist->Load(stream.Get()))) return hr;
+  return persist->QueryInterface(IID_IPictureDisp, reinterpret_cast<void**>(picture));
+}
+
+HRESULT MemoryBag::Encode(std::string* out) const {
+  std::vector<CodedValue> values;
+  for (const Entry& entry : entries_) {
+    CodedValue coded;
+    coded.name.assign(entry.name.begin(), entry.name.end());
+    const VARIANT* v = entry.value.Get();
+    switch (V_VT(v)) {
+      case VT_BSTR: {
+        coded.type = CodecType::String;
+        const std::wstring text = FromBstr(V_BSTR(v));
+        coded.bytes.assign(reinterpret_cast<const char*>(text.data()), text.size() * sizeof(wchar_t));
+        break;
+      }
+      case VT_I4:
+        coded.type = CodecType::Long;
+        coded.bytes.assign(reinterpret_cast<const char*>(&V_I4(v)), 4);
+        break;
+      case VT_BOOL:
+        coded.type = CodecType::Bool;
+        coded.bytes.assign(reinterpret_cast<const char*>(&V_BOOL(v)), 2);
+        break;
+      case VT_DISPATCH: {
+        coded.type = CodecType::Picture;
+        const HRESULT hr = PictureToBytes(V_DISPATCH(v), &coded.bytes);
+        if (FAILED(hr)) return hr;
+        break;
+      }
+      default:
+        return DISP_E_TYPEMISMATCH;
+    }
+    values.push_back(std::move(coded));
+  }
+  *out = EncodeProperties(values);
+  return S_OK;
+}
+
+HRESULT MemoryBag::Decode(const std::vector<CodedValue>& values) {
+  for (const CodedValue& coded : values) {
+    entries_.emplace_back();
+    Entry& entry = entries_.back();
+    entry.name.assign(coded.name.begin(), coded.name.end());
+    VARIANT* v = entry.value.Get();
+    switch (coded.type) {
+      case CodecType::String:
+        V_VT(v) = VT_BSTR;
+        V_BSTR(v) = SysAllocStringByteLen(coded.bytes.data(), static_cast<UINT>(coded.bytes.size()));
+        if (!V_BSTR(v)) return E_OUTOFMEMORY;
+        break;
+      case CodecType::Long:
+        V_VT(v) = VT_I4;
+        memcpy(&V_I4(v), coded.bytes.data(), 4);
+        break;
+      case CodecType::Bool:
+        V_VT(v) = VT_BOOL;
+        memcpy(&V_BOOL(v), coded.bytes.data(), 2);
+        break;
+      case CodecType::Picture: {
+        IPictureDisp* picture = nullptr;
+        const HRESULT hr = BytesToPicture(coded.bytes, &picture);
+        if (FAILED(hr)) return hr;
+        V_VT(v) = VT_DISPATCH;
+        V_DISPATCH(v) = picture;
+        break;
+      }
+      default:
+        return STG_E_DOCFILECORRUPT;
+    }
+  }
+  return S_OK;
+}
+
+// Reads exactly size bytes, failing on a stream that ends first.
+HRESULT ReadExactly(IStream* stream, void* data, ULONG size) {
+  ULONG read = 0;
+  const HRESULT hr = stream->Read(data, size, &read);
+  if (FAILED(hr)) return hr;
+  return read == size ? S_OK : STG_E_READFAULT;
+}
+
+// The body of a stream, read in pieces so that a corrupt length costs no
+// more memory than the stream really holds.
+HRESULT ReadBody(IStream* stream, std::uint32_t length, std::string* body) {
+  constexpr std::uint32_t kPiece = 1 << 20;
+  body->clear();
+  while (body->size() < length) {
+    const std::uint32_t want = std::min<std::uint32_t>(kPiece, length - static_cast<std::uint32_t>(body->size()));
+    const size_t at = body->size();
+    body->resize(at + want);
+    const HRESULT hr = ReadExactly(stream, &(*body)[at], want);
+    if (FAILED(hr)) return hr;
+  }
+  return S_OK;
+}
+
+}  // namespace
+
+HRESULT LoadProperties(IPropertyBag* bag, IErrorLog* log) {
+  if (!bag) return E_POINTER;
+  return Guarded([&] {
+    Store& store = CurrentStore();
+    PropertyValue staged[kPropertyCount];
+    EnvironmentSnapshot snapshot;
+    for (int i = 0; i < kPropertyCount; ++i) {
+      const PropertyDef& def = kProperties[i];
+      if (def.loaded) {
+        const HRESULT hr = ReadProperty(bag, log, def, &staged[i]);
+        if (FAILED(hr)) return hr;
+      } else if (i == kVersion) {
+        // Never read back: the version and the machine are this one's.
+        snapshot = TakeEnvironmentSnapshot();
+        staged[i].text = ControlVersionString();
+      }
+    }
+    staged[kIsWindowsNT].number = snapshot.isWindowsNT ? VARIANT_TRUE : VARIANT_FALSE;
+    staged[kWinSysDir].text = snapshot.systemDirectory;
+    staged[kWinTempDir].text = snapshot.tempDirectory;
+    staged[kOSName].text = snapshot.osName;
+    for (int i = 0; i < kPropertyCount; ++i) store[static_cast<Prop>(i)] = std::move(staged[i]);
+    return S_OK;
+  });
+}
+
+HRESULT SaveProperties(IPropertyBag* bag) {
+  if (!bag) return E_POINTER;
+  return Guarded([&] {
+    const Store& store = CurrentStore();
+    for (int i = 0; i < kPropertyCount; ++i) {
+      const HRESULT hr = WriteProperty(bag, kProperties[i], store[static_cast<Prop>(i)]);
+      if (FAILED(hr)) return hr;
+    }
+    return S_OK;
+  });
+}
+
+HRESULT LoadPropertiesFromStream(IStream* stream) {
+  if (!stream) return E_POINTER;
+  return Guarded([&] {
+    unsigned char header[kCodecHeaderSize];
+    HRESULT hr = ReadExactly(stream, header, sizeof(header));
+    if (FAILED(hr)) return hr;
+    std::uint32_t length = 0;
+    if (!DecodeHeader(header, sizeof(header), &length)) return STG_E_DOCFILECORRUPT;
+    std::string body;
+    if (FAILED(hr = ReadBody(stream, length, &body))) return hr;
+    std::vector<CodedValue> values;
+    if (!DecodeBody(reinterpret_cast<const unsigned char*>(body.data()), body.size(), &values))
+      return STG_E_DOCFILECORRUPT;
+    ComObject<MemoryBag>* memory = ComObject<MemoryBag>::New();
+    if (!memory) return E_OUTOFMEMORY;
+    const ComPtr<IPropertyBag> bag = ComPtr<IPropertyBag>::Adopt(memory);
+    if (FAILED(hr = memory->Decode(values))) return hr;
+    return LoadProperties(bag.Get(), nullptr);
+  });
+}
+
+namespace {
+
+HRESULT EncodeStore(std::string* encoded) {
+  ComObject<MemoryBag>* memory = ComObject<MemoryBag>::New();
+  if (!memory) return E_OUTOFMEMORY;
+  const ComPtr<IPropertyBag> bag = ComPtr<IPropertyBag>::Adopt(memory);
+  HRESULT hr = SaveProperties(bag.Get());
+  return FAILED(hr) ? hr : memory->Encode(encoded);
+}
+
+}  // namespace
+
+HRESULT SavePropertiesToStream(IStream* stream) {
+  if (!stream) return E_POINTER;
+  return Guarded([&] {
+    std::string encoded;
+    HRESULT hr = EncodeStore(&encoded);
+    if (FAILED(hr)) return hr;
+    ULONG written = 0;
+    hr = stream->Write(encoded.data(), static_cast<ULONG>(encoded.size()), &written);
+    if (FAILED(hr)) return hr;
+    return written == encoded.size() ? S_OK : STG_E_WRITEFAULT;
+  });
+}
+
+HRESULT PropertiesSizeMax(ULARGE_INTEGER* size) {
+  if (!size) return E_POINTER;
+  return Guarded([&] {
+    std::string encoded;
+    const HRESULT hr = EncodeStore(&encoded);
+    if (SUCCEEDED(hr)) size->QuadPart = encoded.size();
+    return hr;
+  });
+}
+
+}  // namespace brevantis
