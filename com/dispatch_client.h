@@ -69,7 +69,7 @@ class DispatchClient {
   // The property as text; an empty string when the get fails.
   std::wstring GetString(const wchar_t* name) {
     Variant value;
-    if (FAILED(GetValue(name, &value)) || FAILED(VariantChangeType(value.Get(), value.Get(), 0, VT_BSTR)))
+    if (FAILED(GetValue(name, &value)) || FAILED(VariantChangeType(value.Get(), value.Get(), VARIANT_ALPHABOOL, VT_BSTR)))
       return std::wstring();
     BSTR text = V_BSTR(value.Get());
     return text ? std::wstring(text, SysStringLen(text)) : std::wstring();

@@ -9,6 +9,7 @@
 #include "com/object.h"
 #include "com/text.h"
 #include "control/environment.h"
+#include "control/picture_stream.h"
 #include "control/property_codec.h"
 #include "control/store.h"
 
@@ -123,41 +124,6 @@ class MemoryBag : public ComClassBase, public IPropertyBag {
 
 const InterfaceEntry kMemoryBagInterfaces[] = {BREVANTIS_INTERFACE(MemoryBag, IPropertyBag), BREVANTIS_INTERFACE_END};
 const InterfaceEntry* MemoryBag::Interfaces() { return kMemoryBagInterfaces; }
-
-HRESULT PictureToBytes(IUnknown* picture, std::string* bytes) {
-  ComPtr<IPersistStream> persist;
-  HRESULT hr = picture->QueryInterface(IID_IPersistStream, persist.OutVoid());
-  if (FAILED(hr)) return hr;
-  ComPtr<IStream> stream;
-  if (FAILED(hr = CreateStreamOnHGlobal(nullptr, TRUE, stream.Out()))) return hr;
-  if (FAILED(hr = persist->Save(stream.Get(), TRUE))) return hr;
-  HGLOBAL memory = nullptr;
-  STATSTG stat = {};
-  if (FAILED(hr = GetHGlobalFromStream(stream.Get(), &memory)) ||
-      FAILED(hr = stream->Stat(&stat, STATFLAG_NONAME)))
-    return hr;
-  const void* data = GlobalLock(memory);
-  if (!data) return E_OUTOFMEMORY;
-  bytes->assign(static_cast<const char*>(data), static_cast<size_t>(stat.cbSize.QuadPart));
-  GlobalUnlock(memory);
-  return S_OK;
-}
-
-HRESULT BytesToPicture(const std::string& bytes, IPictureDisp** picture) {
-  ComPtr<IStream> stream;
-  HRESULT hr = CreateStreamOnHGlobal(nullptr, TRUE, stream.Out());
-  if (FAILED(hr)) return hr;
-  ULONG written = 0;
-  if (FAILED(hr = stream->Write(bytes.data(), static_cast<ULONG>(bytes.size()), &written))) return hr;
-  const LARGE_INTEGER start = {};
-  stream->Seek(start, STREAM_SEEK_SET, nullptr);
-  ComPtr<IPersistStream> persist;
-  if (FAILED(hr = CoCreateInstance(CLSID_StdPicture, nullptr, CLSCTX_INPROC_SERVER, IID_IPersistStream,
-                                   persist.OutVoid())))
-    return hr;
-  if (FAILED(hr = persist->Load(stream.Get()))) return hr;
-  return persist->QueryInterface(IID_IPictureDisp, reinterpret_cast<void**>(picture));
-}
 
 HRESULT MemoryBag::Encode(std::string* out) const {
   std::vector<CodedValue> values;

@@ -1,0 +1,91 @@
+#include "control/picture_stream.h"
+
+#include <olectl.h>
+
+#include "com/raii.h"
+
+namespace brevantis {
+namespace {
+
+constexpr DWORD kPictureTag = 0x0000746C;  // "lt"
+
+// A bitmap as a 24-bit .bmp file. Written here rather than by the picture
+// object, whose own writer on some systems produces 32-bit files with
+// bit-field compression but no masks, which no reader accepts.
+HRESULT BitmapFile(HBITMAP bitmap, std::string* file) {
+  BITMAP info = {};
+  if (!GetObjectW(bitmap, sizeof(info), &info)) return E_FAIL;
+  BITMAPINFOHEADER header = {};
+  header.biSize = sizeof(header);
+  header.biWidth = info.bmWidth;
+  header.biHeight = info.bmHeight;
+  header.biPlanes = 1;
+  header.biBitCount = 24;
+  header.biCompression = BI_RGB;
+  const DWORD stride = ((info.bmWidth * 3 + 3) & ~3u);
+  header.biSizeImage = stride * info.bmHeight;
+  std::string pixels(header.biSizeImage, '\0');
+  const HDC screen = GetDC(nullptr);
+  const int lines = GetDIBits(screen, bitmap, 0, info.bmHeight, &pixels[0], reinterpret_cast<BITMAPINFO*>(&header),
+                              DIB_RGB_COLORS);
+  ReleaseDC(nullptr, screen);
+  if (lines != info.bmHeight) return E_FAIL;
+  BITMAPFILEHEADER fileHeader = {};
+  fileHeader.bfType = 0x4D42;  // "BM"
+  fileHeader.bfOffBits = sizeof(fileHeader) + sizeof(header);
+  fileHeader.bfSize = fileHeader.bfOffBits + header.biSizeImage;
+  file->assign(reinterpret_cast<const char*>(&fileHeader), sizeof(fileHeader));
+  file->append(reinterpret_cast<const char*>(&header), sizeof(header));
+  file->append(pixels);
+  return S_OK;
+}
+
+}  // namespace
+
+HRESULT PictureToBytes(IUnknown* picture, std::string* bytes) {
+  ComPtr<IPicture> pic;
+  HRESULT hr = picture->QueryInterface(IID_IPicture, pic.OutVoid());
+  if (FAILED(hr)) return hr;
+  SHORT type = PICTYPE_UNINITIALIZED;
+  OLE_HANDLE handle = 0;
+  if (SUCCEEDED(pic->get_Type(&type)) && type == PICTYPE_BITMAP && SUCCEEDED(pic->get_Handle(&handle))) {
+    std::string file;
+    if (FAILED(hr = BitmapFile(reinterpret_cast<HBITMAP>(static_cast<UINT_PTR>(handle)), &file))) return hr;
+    const DWORD header[2] = {kPictureTag, static_cast<DWORD>(file.size())};
+    bytes->assign(reinterpret_cast<const char*>(header), sizeof(header));
+    bytes->append(file);
+    return S_OK;
+  }
+  ComPtr<IPersistStream> persist;
+  if (FAILED(hr = picture->QueryInterface(IID_IPersistStream, persist.OutVoid()))) return hr;
+  ComPtr<IStream> stream;
+  if (FAILED(hr = CreateStreamOnHGlobal(nullptr, TRUE, stream.Out()))) return hr;
+  if (FAILED(hr = persist->Save(stream.Get(), TRUE))) return hr;
+  HGLOBAL memory = nullptr;
+  STATSTG stat = {};
+  if (FAILED(hr = GetHGlobalFromStream(stream.Get(), &memory)) || FAILED(hr = stream->Stat(&stat, STATFLAG_NONAME)))
+    return hr;
+  const void* data = GlobalLock(memory);
+  if (!data) return E_OUTOFMEMORY;
+  bytes->assign(static_cast<const char*>(data), static_cast<size_t>(stat.cbSize.QuadPart));
+  GlobalUnlock(memory);
+  return S_OK;
+}
+
+HRESULT BytesToPicture(const std::string& bytes, IPictureDisp** picture) {
+  *picture = nullptr;
+  ComPtr<IStream> stream;
+  HRESULT hr = CreateStreamOnHGlobal(nullptr, TRUE, stream.Out());
+  if (FAILED(hr)) return hr;
+  if (FAILED(hr = stream->Write(bytes.data(), static_cast<ULONG>(bytes.size()), nullptr))) return hr;
+  const LARGE_INTEGER start = {};
+  stream->Seek(start, STREAM_SEEK_SET, nullptr);
+  ComPtr<IPersistStream> persist;
+  if (FAILED(hr = CoCreateInstance(CLSID_StdPicture, nullptr, CLSCTX_INPROC_SERVER, IID_IPersistStream,
+                                   persist.OutVoid())))
+    return hr;
+  if (FAILED(hr = persist->Load(stream.Get()))) return hr;
+  return persist->QueryInterface(IID_IPictureDisp, reinterpret_cast<void**>(picture));
+}
+
+}  // namespace brevantis
