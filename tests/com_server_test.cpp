@@ -101,15 +101,33 @@ TEST_F(ComTest, ANullStringIsTheEmptyString) {
   EXPECT_EQ(0u, value.Length());
 }
 
-TEST_F(ComTest, StringsKeepEmbeddedNulsAndLength) {
-  ComPtr<_Brevantis> control = NewControl();
+TEST_F(ComTest, EveryStringPropertyTakesNullHugeAndNulEmbeddedStrings) {
+  DispatchClient client;
+  ASSERT_EQ(S_OK, client.Create(L"BrevantisLib.Brevantis"));
   const std::wstring odd(L"a\0b\u00e8\u4e2d", 5);
   const std::wstring big(1 << 20, L'z');
-  for (const std::wstring& text : {odd, big}) {
-    ASSERT_EQ(S_OK, control->put_Author3(Bstr(text.data(), static_cast<UINT>(text.size())).Get()));
-    Bstr value;
-    ASSERT_EQ(S_OK, control->get_Author3(value.Out()));
-    EXPECT_EQ(text, Text(value.Get()));
+  for (const wchar_t* name : {L"ProgramName", L"Author1", L"Author2", L"Author3", L"WebSiteURL", L"CopyrightFromDate",
+                              L"CopyrightToDate", L"CompanyName", L"CompanyEmail", L"AboutWavSound", L"UpdatesURL",
+                              L"DefaultProgramFolder", L"CompanyPhoneNumber", L"CompanyFaxNumber", L"CDIndexFile"}) {
+    SCOPED_TRACE(name);
+    const size_t limit = std::wstring(name) == L"ProgramName" ? 50 : std::wstring::npos;
+    for (const std::wstring& text : {odd, big}) {
+      Bstr value(text.data(), static_cast<UINT>(text.size()));
+      VARIANT arg;
+      VariantInit(&arg);
+      V_VT(&arg) = VT_BSTR;
+      V_BSTR(&arg) = value.Get();
+      ASSERT_EQ(S_OK, client.Put(name, arg));
+      Variant back;
+      ASSERT_EQ(S_OK, client.GetValue(name, &back));
+      EXPECT_EQ(text.substr(0, limit), Text(V_BSTR(back.Get())));
+    }
+    VARIANT null;
+    VariantInit(&null);
+    V_VT(&null) = VT_BSTR;
+    V_BSTR(&null) = nullptr;
+    ASSERT_EQ(S_OK, client.Put(name, null));
+    EXPECT_EQ(L"", client.GetString(name));
   }
 }
 
