@@ -27,7 +27,7 @@ void WriteFile(const std::wstring& path, const char* text) {
 }
 
 bool WaitForFile(const std::wstring& path) {
-  for (int i = 0; i < 100; ++i) {
+  for (int i = 0; i < 600; ++i) {  // up to 30 s on a busy machine
     if (GetFileAttributesW(path.c_str()) != INVALID_FILE_ATTRIBUTES) return true;
     Sleep(50);
   }
@@ -101,7 +101,7 @@ class MessageBoxAnswerer {
  public:
   MessageBoxAnswerer(const char* caption, int button) {
     thread_ = std::thread([=] {
-      for (int i = 0; i < 200 && !window_; ++i) {
+      for (int i = 0; i < 1200 && !window_; ++i) {  // up to 30 s on a busy machine
         window_ = FindWindowA("#32770", caption);
         if (!window_) Sleep(25);
       }
