@@ -4,6 +4,7 @@
 #include "com/guard.h"
 #include "com/module.h"
 #include "control/store.h"
+#include "forms/forms.h"
 
 namespace brevantis {
 
@@ -45,10 +46,10 @@ HRESULT BrevantisControl::Create(REFIID iid, void** out) {
   return Guarded([&] { return ComObject<BrevantisControl>::Create(iid, out); });
 }
 
-STDMETHODIMP BrevantisControl::About() { return E_NOTIMPL; }
+STDMETHODIMP BrevantisControl::About() { return Guarded([] { return ShowControlAboutBox(); }); }
+STDMETHODIMP BrevantisControl::ShowAbout() { return Guarded([] { return ShowProgramAboutBox(); }); }
+STDMETHODIMP BrevantisControl::ShowSplashScreen() { return Guarded([] { return ShowProgramSplashScreen(); }); }
 STDMETHODIMP BrevantisControl::OpenCD() { return E_NOTIMPL; }
-STDMETHODIMP BrevantisControl::ShowAbout() { return E_NOTIMPL; }
-STDMETHODIMP BrevantisControl::ShowSplashScreen() { return E_NOTIMPL; }
 STDMETHODIMP BrevantisControl::WebConnect(BSTR) { return E_NOTIMPL; }
 
 void BrevantisControl::RaiseErrorEvent(short code, const std::wstring& text) {
