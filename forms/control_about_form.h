@@ -1,0 +1,30 @@
+// frmabout: the control's own about box, with the maker's links.
+#pragma once
+
+#include <windows.h>
+#include <functional>
+
+#include "forms/form_window.h"
+
+namespace brevantis {
+
+class ControlAboutForm final : public Form {
+ public:
+  // release lets go of the reference that keeps this form when its Timer1
+  // ticks (it is never enabled; the handler is kept for completeness).
+  explicit ControlAboutForm(std::function<void()> release);
+
+ private:
+  void OnLoad() override;
+  bool OnMessage(UINT message, WPARAM wParam, LPARAM lParam, INT_PTR* result) override;
+  void OnItemMouseMove(int id) override;
+  void OnCommand(int id, int code);
+  void OpenWebSite();
+  COLORREF* LinkColour(int id);
+
+  std::function<void()> release_;
+  COLORREF webSiteColour_;
+  COLORREF emailColour_;
+};
+
+}  // namespace brevantis

@@ -1,0 +1,121 @@
+#include "forms/program_about_form.h"
+
+#include <mmsystem.h>
+
+#include "com/module.h"
+#include "control/store.h"
+#include "forms/forms.h"
+#include "forms/forms_resources.h"
+#include "forms/picture.h"
+#include "forms/screen_texts.h"
+#include "platform/platform.h"
+#include "web/browser.h"
+#include "web/vb_text.h"
+
+namespace brevantis {
+namespace {
+
+constexpr UINT_PTR kTimer1 = 1;
+constexpr int kLabel1 = IDC_SHOWABOUT_LABEL1;
+
+// The publisher's own picture, beside the control's library file, takes the
+// place of ProgramPicture when it loads.
+std::wstring LogoFilePath() {
+  const std::wstring module = ThisModulePath();
+  return module.substr(0, module.find_last_of(L'\\')) + L"\\Prglogo.bmp";
+}
+
+}  // namespace
+
+ProgramAboutForm::ProgramAboutForm(ProgramScreens& screens)
+    : Form(L"frmShowAbout", IDD_SHOWABOUT), screens_(screens) {}
+
+void ProgramAboutForm::OnLoad() {
+  Store& store = CurrentStore();
+  timerInterval_ = store[kSplashScreenInterval].number;
+  SetPicture(IDC_SHOWABOUT_IMAGE3, store[kProgramIcon].picture);
+  SetPicture(IDC_SHOWABOUT_IMAGE1, store[kProgramPicture].picture);
+  SetItemText(kLabel1 + 0, store[kProgramName].text);
+  UseBoldFont(kLabel1 + 0, 150);
+  SetItemText(IDC_SHOWABOUT_LABEL2, AuthorLine(store[kAuthor1].text));
+  SetItemText(IDC_SHOWABOUT_LABEL3, AuthorLine(store[kAuthor2].text));
+  SetItemText(IDC_SHOWABOUT_LABEL4, AuthorLine(store[kAuthor3].text));
+  if (ComPtr<IPictureDisp> logo = LoadPictureFile(LogoFilePath())) SetPicture(IDC_SHOWABOUT_IMAGE1, logo);
+  CentreOnScreen();
+  SetItemText(kLabel1 + 2, ProgramCopyrightLine(store));
+  SetItemText(kLabel1 + 1, ProgramVersionLine(store));
+  SetItemText(kLabel1 + 3, kProgramLegalNotice);
+  SetPicture(IDC_SHOWABOUT_IMAGE2, store[kCompanyLogo].picture);
+  SetToolTip(IDC_SHOWABOUT_IMAGE2, L"Visitate il Sito Web " + store[kCompanyName].text);
+  screens_.aboutShowing = true;
+}
+
+void ProgramAboutForm::OnUnload() {
+  KillTimer(Window(), kTimer1);
+  screens_.aboutShowing = false;
+}
+
+void ProgramAboutForm::EnableTimer1() {
+  if (timerInterval_ > 0) SetTimer(Window(), kTimer1, static_cast<UINT>(timerInterval_), nullptr);
+}
+
+void ProgramAboutForm::HideButtons() {
+  ShowItem(IDC_SHOWABOUT_SYSINFO, false);
+  ShowItem(IDOK, false);
+}
+
+bool ProgramAboutForm::ButtonsShown() const { return IsWindowVisible(Item(IDOK)) != FALSE; }
+
+bool ProgramAboutForm::OnMessage(UINT message, WPARAM wParam, LPARAM lParam, INT_PTR* result) {
+  switch (message) {
+    case WM_ACTIVATE:
+      if (LOWORD(wParam) != WA_INACTIVE) OnActivate();
+      return false;
+    case WM_COMMAND:
+      OnCommand(LOWORD(wParam), HIWORD(wParam));
+      return true;
+    case WM_CLOSE:
+      Unload();
+      return true;
+    case WM_TIMER:
+      if (wParam != kTimer1) return false;
+      Unload();
+      screens_.form.reset();
+      return true;
+  }
+  return false;
+}
+
+void ProgramAboutForm::OnCommand(int id, int code) {
+  if (code != BN_CLICKED) return;  // also STN_CLICKED
+  switch (id) {
+    case IDOK:      // Command1
+    case IDCANCEL:  // Esc, while Command1 is there to take it
+      if (ButtonsShown()) Unload();
+      break;
+    case IDC_SHOWABOUT_SYSINFO:
+      StartSysInfo();
+      break;
+    case IDC_SHOWABOUT_IMAGE2:
+      OnLogoClick();
+      break;
+  }
+}
+
+// The about box greets the user each time it becomes the active window; the
+// splash is silent. Blanks are a name like any other.
+void ProgramAboutForm::OnActivate() {
+  const std::wstring& sound = CurrentStore()[kAboutWavSound].text;
+  if (!screens_.splashMode && !sound.empty()) CurrentPlatform().PlaySoundFile(sound, SND_ASYNC);
+}
+
+void ProgramAboutForm::OnLogoClick() {
+  const std::wstring url = CurrentStore()[kWebSiteURL].text;
+  if (TrimSpaces(url).empty()) return;
+  bool opened = false;
+  // Nobody waits for the click's outcome: what the user sees is the browser,
+  // or the connection assistant when offline.
+  OpenUrlInBrowser(url, &opened);
+}
+
+}  // namespace brevantis
