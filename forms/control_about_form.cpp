@@ -13,7 +13,6 @@
 namespace brevantis {
 namespace {
 
-constexpr UINT_PTR kTimer1 = 1;
 constexpr int kLabel1 = IDC_ABOUT_LABEL1;
 constexpr int kWebSiteLink = kLabel1 + 7;
 constexpr int kEmailLink = kLabel1 + 8;
@@ -24,7 +23,7 @@ constexpr COLORREF kHoverColour = 0x0000FF;
 }  // namespace
 
 ControlAboutForm::ControlAboutForm(std::function<void()> release)
-    : Form(L"frmabout", IDD_ABOUT), release_(std::move(release)) {}
+    : Form(L"frmabout", IDD_ABOUT, std::move(release)) {}
 
 void ControlAboutForm::OnLoad() {
   webSiteColour_ = kLinkColour;
@@ -78,17 +77,6 @@ bool ControlAboutForm::OnMessage(UINT message, WPARAM wParam, LPARAM lParam, INT
       *result = reinterpret_cast<INT_PTR>(GetSysColorBrush(COLOR_BTNFACE));
       return true;
     }
-    case WM_COMMAND:
-      OnCommand(LOWORD(wParam), HIWORD(wParam));
-      return true;
-    case WM_CLOSE:
-      Unload();
-      return true;
-    case WM_TIMER:
-      if (wParam != kTimer1) return false;
-      Unload();
-      if (release_) release_();
-      return true;
   }
   return false;
 }

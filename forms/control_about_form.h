@@ -11,18 +11,17 @@ namespace brevantis {
 class ControlAboutForm final : public Form {
  public:
   // release lets go of the reference that keeps this form when its Timer1
-  // ticks (it is never enabled; the handler is kept for completeness).
+  // ticks. Nothing enables that timer; its handler is kept all the same.
   explicit ControlAboutForm(std::function<void()> release);
 
  private:
   void OnLoad() override;
   bool OnMessage(UINT message, WPARAM wParam, LPARAM lParam, INT_PTR* result) override;
   void OnItemMouseMove(int id) override;
-  void OnCommand(int id, int code);
+  void OnCommand(int id, int code) override;
   void OpenWebSite();
   COLORREF* LinkColour(int id);
 
-  std::function<void()> release_;
   COLORREF webSiteColour_;
   COLORREF emailColour_;
 };

@@ -54,7 +54,8 @@ BOOL CALLBACK DisableWindow(HWND window, LPARAM parameter) {
 
 }  // namespace
 
-Form::Form(const wchar_t* className, int templateId) : className_(className), templateId_(templateId) {}
+Form::Form(const wchar_t* className, int templateId, std::function<void()> release)
+    : className_(className), templateId_(templateId), release_(std::move(release)) {}
 
 Form::~Form() {
   if (!window_) return;
@@ -218,6 +219,17 @@ INT_PTR Form::Dispatch(UINT message, WPARAM wParam, LPARAM lParam) {
     case WM_DRAWITEM:
       if (DrawPicture(*reinterpret_cast<const DRAWITEMSTRUCT*>(lParam))) return TRUE;
       break;
+    case WM_COMMAND:
+      OnCommand(LOWORD(wParam), HIWORD(wParam));
+      return TRUE;
+    case WM_CLOSE:  // the close box
+      Unload();
+      return TRUE;
+    case WM_TIMER:
+      if (wParam != kTimer1) break;
+      Unload();
+      if (release_) release_();
+      return TRUE;
     case WM_NCDESTROY:
       Detach();
       return FALSE;

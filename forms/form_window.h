@@ -6,6 +6,7 @@
 
 #include <windows.h>
 #include <ocidl.h>
+#include <functional>
 #include <map>
 #include <memory>
 #include <string>
@@ -39,10 +40,16 @@ class Form : public std::enable_shared_from_this<Form> {
   void Unload();
 
  protected:
-  Form(const wchar_t* className, int templateId);
+  // Timer1 of a form unloads it when it ticks and calls release, which lets
+  // go of the reference that keeps the form.
+  static constexpr UINT_PTR kTimer1 = 1;
+
+  Form(const wchar_t* className, int templateId, std::function<void()> release);
 
   virtual void OnLoad() = 0;
   virtual void OnUnload() {}
+  // A button or clickable element (BN_CLICKED is STN_CLICKED).
+  virtual void OnCommand(int id, int code) {}
   // A message other than the load; true when the form answered it.
   virtual bool OnMessage(UINT message, WPARAM wParam, LPARAM lParam, INT_PTR* result) { return false; }
   // The mouse moved over an element that forwards its mouse moves.
@@ -71,6 +78,7 @@ class Form : public std::enable_shared_from_this<Form> {
 
   const wchar_t* className_;
   int templateId_;
+  std::function<void()> release_;
   HWND window_ = nullptr;
   HRESULT loadResult_ = S_OK;
   bool modal_ = false;

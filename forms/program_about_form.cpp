@@ -15,7 +15,6 @@
 namespace brevantis {
 namespace {
 
-constexpr UINT_PTR kTimer1 = 1;
 constexpr int kLabel1 = IDC_SHOWABOUT_LABEL1;
 
 // The publisher's own picture, beside the control's library file, takes the
@@ -28,7 +27,7 @@ std::wstring LogoFilePath() {
 }  // namespace
 
 ProgramAboutForm::ProgramAboutForm(ProgramScreens& screens)
-    : Form(L"frmShowAbout", IDD_SHOWABOUT), screens_(screens) {}
+    : Form(L"frmShowAbout", IDD_SHOWABOUT, [&screens] { screens.form.reset(); }), screens_(screens) {}
 
 void ProgramAboutForm::OnLoad() {
   Store& store = CurrentStore();
@@ -66,23 +65,8 @@ void ProgramAboutForm::HideButtons() {
 
 bool ProgramAboutForm::ButtonsShown() const { return IsWindowVisible(Item(IDOK)) != FALSE; }
 
-bool ProgramAboutForm::OnMessage(UINT message, WPARAM wParam, LPARAM lParam, INT_PTR* result) {
-  switch (message) {
-    case WM_ACTIVATE:
-      if (LOWORD(wParam) != WA_INACTIVE) OnActivate();
-      return false;
-    case WM_COMMAND:
-      OnCommand(LOWORD(wParam), HIWORD(wParam));
-      return true;
-    case WM_CLOSE:
-      Unload();
-      return true;
-    case WM_TIMER:
-      if (wParam != kTimer1) return false;
-      Unload();
-      screens_.form.reset();
-      return true;
-  }
+bool ProgramAboutForm::OnMessage(UINT message, WPARAM wParam, LPARAM, INT_PTR*) {
+  if (message == WM_ACTIVATE && LOWORD(wParam) != WA_INACTIVE) OnActivate();
   return false;
 }
 

@@ -24,7 +24,7 @@ class ProgramAboutForm final : public Form {
   void OnLoad() override;
   void OnUnload() override;
   bool OnMessage(UINT message, WPARAM wParam, LPARAM lParam, INT_PTR* result) override;
-  void OnCommand(int id, int code);
+  void OnCommand(int id, int code) override;
   void OnActivate();
   void OnLogoClick();
   bool ButtonsShown() const;
