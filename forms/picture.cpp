@@ -67,7 +67,7 @@ ComPtr<IPictureDisp> LoadBitmapPicture(int resourceId) {
   desc.cbSizeofstruct = sizeof(desc);
   desc.picType = PICTYPE_BITMAP;
   desc.bmp.hbitmap = static_cast<HBITMAP>(
-      LoadImageW(ThisModule(), MAKEINTRESOURCEW(resourceId), IMAGE_BITMAP, 0, 0, LR_CREATEDIBSECTION));
+      LoadImageW(ThisModule(), MAKEINTRESOURCEW(resourceId), IMAGE_BITMAP, 0, 0, LR_LOADMAP3DCOLORS));
   if (!desc.bmp.hbitmap) return picture;
   if (FAILED(OleCreatePictureIndirect(&desc, IID_IPictureDisp, TRUE, picture.OutVoid()))) {
     DeleteObject(desc.bmp.hbitmap);

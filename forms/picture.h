@@ -19,7 +19,9 @@ void DrawPictureFitted(HDC dc, const RECT& box, IPictureDisp* picture);
 // file is missing, empty or not a picture.
 ComPtr<IPictureDisp> LoadPictureFile(const std::wstring& path);
 
-// A bitmap of this module as a picture that owns its bitmap.
+// A bitmap of this module as a picture that owns its bitmap. Its light grey,
+// RGB(192, 192, 192), turns into the system's face colour, so that the
+// picture lies on the form without a frame.
 ComPtr<IPictureDisp> LoadBitmapPicture(int resourceId);
 
 }  // namespace brevantis
