@@ -4,8 +4,6 @@
 #include <windows.h>
 #include <mmsystem.h>
 
-#include <atomic>
-
 #include "form_probe.h"
 #include "forms/forms.h"
 #include "forms/forms_resources.h"
@@ -104,18 +102,6 @@ TEST_F(ProgramAbout, CopyrightYearsAreTrimmedCompletedAndKept) {
   }
 }
 
-TEST_F(ProgramAbout, VersionLinePadsMinorAndRevisionOnly) {
-  const LONG versions[][3] = {{2, 1, 35}, {0, 0, 0}, {10, 5, 12345}, {-1, -2, -3}};
-  const wchar_t* lines[] = {L"Versione: 2.01.0035", L"Versione: 0.00.0000", L"Versione: 10.05.12345",
-                            L"Versione: -1.-02.-0003"};
-  for (int i = 0; i < 4; ++i) {
-    store()[kProgramMajor].number = versions[i][0];
-    store()[kProgramMinor].number = versions[i][1];
-    store()[kProgramRevision].number = versions[i][2];
-    EXPECT_EQ(lines[i], ShowAndRead().version);
-  }
-}
-
 TEST_F(ProgramAbout, OkEscAndTheCloseBoxCloseIt) {
   const std::function<void(HWND)> closers[] = {
       [](HWND form) { Click(form, IDOK); },
@@ -202,38 +188,6 @@ TEST_F(ProgramAbout, TheLogoFileBesideTheLibraryReplacesTheProgramPicture) {
   WriteTextFile(logo, "");
   EXPECT_EQ(RGB(255, 0, 0), drawnPicture()) << "empty";
   DeleteFileW(logo.c_str());
-}
-
-// What a host's timer gets from both methods while the about box is up.
-HRESULT g_again[2];
-std::atomic<bool> g_called;
-
-void CALLBACK CallBothAgain(HWND, UINT, UINT_PTR timer, DWORD) {
-  KillTimer(nullptr, timer);
-  g_again[0] = ShowProgramAboutBox();
-  g_again[1] = ShowProgramSplashScreen();
-  g_called = true;
-}
-
-TEST_F(ProgramAbout, ShowAboutAndShowSplashDoNothingWhileItShows) {
-  g_called = false;
-  SetTimer(nullptr, 0, 10, CallBothAgain);
-  int forms = 0;
-  std::wstring caption;
-  FormVisitor visitor(kForm, [&](HWND form) {
-    for (int i = 0; i < 1500 && !g_called; ++i) Sleep(20);
-    caption = TextOf(form);
-    forms = FindForm(kForm, false) ? 2 : 1;
-    Click(form, IDOK);
-  });
-  EXPECT_EQ(S_OK, ShowProgramAboutBox());
-  visitor.Join();
-  ASSERT_TRUE(g_called);
-  EXPECT_EQ(S_OK, g_again[0]);
-  EXPECT_EQ(S_OK, g_again[1]);
-  EXPECT_EQ(1, forms);
-  EXPECT_EQ(L"Informazioni su Atlante Stradale", caption) << "not turned into a splash";
-  EXPECT_EQ(nullptr, FindForm(L"frmabout", false)) << "the splash loaded nothing";
 }
 
 TEST_F(ProgramAbout, TheSplashHasNoButtonsAndClosesOnItsTimer) {
