@@ -1,5 +1,7 @@
 #include "platform/crypto_filter_box.h"
 
+#include <algorithm>
+
 #include "com/guard.h"
 #include "com/text.h"
 #include "platform/crypto_handles.h"
@@ -122,12 +124,33 @@ bool CryptoFilterBox::SignatureConfirmed() {
   return false;
 }
 
+namespace {
+
+// Lends an object's spare cipher buffer to one call and takes it back after.
+// A call nested in a message box of the first finds none and makes its own.
+class LentBuffer {
+ public:
+  explicit LentBuffer(std::string* spare) : spare_(spare), bytes_(std::move(*spare)) {}
+  ~LentBuffer() { *spare_ = std::move(bytes_); }
+  LentBuffer(const LentBuffer&) = delete;
+  LentBuffer& operator=(const LentBuffer&) = delete;
+  std::string& Bytes() { return bytes_; }
+
+ private:
+  std::string* spare_;
+  std::string bytes_;
+};
+
+}  // namespace
+
 void CryptoFilterBox::EncryptInBuffer() {
   CryptContext context;
   CryptKey key;
   if (!OpenRc4Key(password_, &context, &key)) return;
   const size_t n = inBuffer_.size();
-  std::string working = CipherWorkingBytes(inBuffer_);
+  LentBuffer lent(&spareCipherBytes_);
+  std::string& working = lent.Bytes();
+  MakeCipherWorkingBytes(inBuffer_, &working);
   DWORD length = ByteCount(n);
   const BOOL encrypted = CryptEncrypt(key.Get(), 0, TRUE, 0, Bytes(working), &length, ByteCount(2 * n));
   const DWORD error = GetLastError();
@@ -136,7 +159,9 @@ void CryptoFilterBox::EncryptInBuffer() {
     ShowCryptoApiError(error, L" during CryptEncrypt!");
   }
   // Set after a failed call too: callers have always found the buffer there.
-  outBuffer_ = FromAnsi(working).substr(0, length);
+  // Only the bytes kept are converted back (in a single-byte code page each
+  // is one character), into OutBuffer's own storage when it is big enough.
+  AssignFromAnsi(working.data(), std::min<size_t>(length, working.size()), &outBuffer_);
 }
 
 void CryptoFilterBox::DecryptInBuffer() {
@@ -144,18 +169,23 @@ void CryptoFilterBox::DecryptInBuffer() {
   CryptKey key;
   if (!OpenRc4Key(password_, &context, &key)) return;
   const size_t n = inBuffer_.size();
-  std::string working = CipherWorkingBytes(inBuffer_);
+  LentBuffer lent(&spareCipherBytes_);
+  std::string& working = lent.Bytes();
+  MakeCipherWorkingBytes(inBuffer_, &working);
   // The whole working buffer goes through the cipher, blanks included, unlike
   // in Encrypt; only the first n characters are kept. RC4 is a stream cipher,
   // so those come out the same either way.
   DWORD length = ByteCount(2 * n);
-  if (!CryptDecrypt(key.Get(), 0, TRUE, 0, Bytes(working), &length)) {
-    const DWORD error = GetLastError();
+  const BOOL decrypted = CryptDecrypt(key.Get(), 0, TRUE, 0, Bytes(working), &length);
+  const DWORD error = GetLastError();
+  // The deciphered blanks are bare keystream: they are not kept.
+  std::fill(working.begin() + static_cast<std::ptrdiff_t>(n), working.end(), ' ');
+  if (!decrypted) {
     ShowCryptoMessage(L"bytes required:" + DecimalText(static_cast<LONG>(length)));
     ShowCryptoApiError(error, L" during CryptDecrypt!");
     return;
   }
-  outBuffer_ = FromAnsi(working).substr(0, n);
+  AssignFromAnsi(working.data(), n, &outBuffer_);
 }
 
 }  // namespace brevantis

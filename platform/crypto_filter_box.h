@@ -47,6 +47,10 @@ class CryptoFilterBox : public ComClassBase,
   std::wstring password_;
   std::wstring signature_;
   LONG status_ = 0;
+  // The cipher's working buffer, kept between calls so that repeated calls on
+  // a large text reuse memory already mapped instead of fresh pages (most of
+  // the cost beyond the cipher itself). It holds no keystream between calls.
+  std::string spareCipherBytes_;
 };
 
 }  // namespace brevantis

@@ -47,10 +47,13 @@ bool OpenRc4Key(const std::wstring& password, CryptContext* context, CryptKey* k
   return true;
 }
 
-std::string CipherWorkingBytes(const std::wstring& inBuffer) {
-  std::wstring working(inBuffer);
-  working.append(inBuffer.size(), L' ');
-  return ToAnsi(working);
+void MakeCipherWorkingBytes(const std::wstring& inBuffer, std::string* bytes) {
+  // A blank is the same one byte in every ANSI code page, so the blanks are
+  // added as bytes rather than converted.
+  bytes->clear();
+  bytes->reserve(2 * inBuffer.size() + 1);
+  AppendAnsi(inBuffer, bytes);
+  bytes->append(inBuffer.size(), ' ');
 }
 
 DWORD ByteCount(size_t characters) {

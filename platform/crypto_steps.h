@@ -24,8 +24,8 @@ bool OpenMd5Of(const std::wstring& text, CryptContext* context, CryptHash* hash)
 bool OpenRc4Key(const std::wstring& password, CryptContext* context, CryptKey* key);
 
 // inBuffer left-aligned in twice its length, blanks behind: the buffer that
-// Encrypt and Decrypt hand to the cipher, as ANSI bytes.
-std::string CipherWorkingBytes(const std::wstring& inBuffer);
+// Encrypt and Decrypt hand to the cipher, as ANSI bytes, made in bytes.
+void MakeCipherWorkingBytes(const std::wstring& inBuffer, std::string* bytes);
 
 inline BYTE* Bytes(std::string& bytes) { return reinterpret_cast<BYTE*>(&bytes[0]); }
 

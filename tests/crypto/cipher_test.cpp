@@ -47,6 +47,20 @@ std::string Rc4(const std::string& key, std::string data) {
   return data;
 }
 
+// Cipher text is any bytes. In code page 1252 the five bytes without a
+// character (0x81, 0x8D, 0x8F, 0x90, 0x9D) become the control characters of
+// the same number and come back as themselves, so every byte survives.
+TEST(CipherText, EveryByteValueSurvivesTheAnsiCodePage) {
+  std::string bytes;
+  for (int b = 0; b <= 255; ++b) bytes.push_back(static_cast<char>(b));
+  const std::wstring text = FromAnsi(bytes);
+  ASSERT_EQ(256u, text.size());
+  EXPECT_EQ(bytes, ToAnsi(text));
+  ASSERT_EQ(1252u, GetACP());  // the test prefix's
+  for (int b : {0x81, 0x8D, 0x8F, 0x90, 0x9D}) EXPECT_EQ(static_cast<wchar_t>(b), text[b]) << b;
+  EXPECT_EQ(L'\u20ac', text[0x80]);
+}
+
 TEST_F(CryptoBoxTest, DecryptGivesBackWhatEncryptWasGiven) {
   const std::wstring texts[] = {L"Testo da cifrare", kItalian, EveryByteValue(), EveryByteValue() + EveryByteValue(),
                                 std::wstring(L"\0\0a\0b\0", 6), L"x"};
