@@ -32,7 +32,6 @@ class CryptoBox {
   std::wstring InBuffer() const { return Read(&_clsCryptoFilterBox::get_InBuffer); }
   std::wstring OutBuffer() const { return Read(&_clsCryptoFilterBox::get_OutBuffer); }
   std::wstring Signature() const { return Read(&_clsCryptoFilterBox::get_Signature); }
-  std::wstring Password() const { return Read(&_clsCryptoFilterBox::get_Password); }
   LONG Status() const {
     LONG status = -1;
     EXPECT_EQ(S_OK, box_->get_Status(&status));

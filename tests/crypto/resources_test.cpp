@@ -124,11 +124,4 @@ TEST_F(CryptoBoxTest, UnexpectedFailuresShowTheProcedureTagAndADescription) {
   }
 }
 
-TEST(CryptoMessages, ErrorCodesPrintAsSignedNumbers) {
-  EXPECT_EQ(L"-2146893802", SignedErrorText(static_cast<DWORD>(NTE_BAD_KEYSET)));
-  EXPECT_EQ(L"-2146893818", SignedErrorText(static_cast<DWORD>(NTE_BAD_SIGNATURE)));
-  EXPECT_EQ(L"87", SignedErrorText(ERROR_INVALID_PARAMETER));
-  EXPECT_EQ(L"0", SignedErrorText(0));
-}
-
 }  // namespace

@@ -79,20 +79,4 @@ TEST_F(CryptoBoxTest, SignaturesThatAreNoSignaturesAreNotConfirmed) {
   }
 }
 
-TEST_F(CryptoBoxTest, SignReplacesTheSignatureAndKeepsTheOtherBuffers) {
-  box_.SetPassword(L"segreto");
-  box_.Encrypt(L"cifrato");
-  const std::wstring encrypted = box_.OutBuffer();
-  box_.SetInBuffer(L"primo");
-  ASSERT_EQ(S_OK, box_->Sign());
-  const std::wstring first = box_.Signature();
-  box_.SetInBuffer(L"secondo");
-  ASSERT_EQ(S_OK, box_->Sign());
-  EXPECT_NE(first, box_.Signature());
-  EXPECT_EQ(64u, box_.Signature().size());
-  EXPECT_EQ(encrypted, box_.OutBuffer());
-  EXPECT_EQ(L"secondo", box_.InBuffer());
-  EXPECT_EQ(L"segreto", box_.Password());
-}
-
 }  // namespace
