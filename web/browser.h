@@ -19,4 +19,12 @@ HRESULT FindDefaultBrowser(std::wstring* browser);
 // the browser was started. Fails only as FindDefaultBrowser does.
 HRESULT OpenUrlInBrowser(const std::wstring& url, bool* opened);
 
+// The address WebConnect opens for its argument: the argument without
+// leading and trailing spaces, or WebSiteURL when nothing is left.
+std::wstring WebConnectAddress(const std::wstring& argument);
+
+// The command line that starts browser with argument: the two joined by one
+// space, the path quoted only when it holds a space, the argument never.
+std::wstring BrowserCommandLine(const std::wstring& browser, const std::wstring& argument);
+
 }  // namespace brevantis

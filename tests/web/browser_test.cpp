@@ -1,0 +1,243 @@
+// Finding the default browser and opening addresses: the buffer rules and
+// command lines with the recording platform, then the real shell of the
+// prefix starting the project's fake browser.
+#include <gtest/gtest.h>
+
+#include "com/raii.h"
+#include "com/text.h"
+#include "control/store.h"
+#include "local_http_server.h"
+#include "recording_platform.h"
+#include "web/browser.h"
+#include "web_test_support.h"
+
+using namespace brevantis;
+using namespace brevantis::testing;
+
+namespace {
+
+constexpr HRESULT kPathNotFound = static_cast<HRESULT>(0x800A004C);
+constexpr HRESULT kPathFileAccessError = static_cast<HRESULT>(0x800A004B);
+
+std::wstring ErrorDescription() {
+  ComPtr<IErrorInfo> info;
+  Bstr description;
+  if (GetErrorInfo(0, info.Out()) == S_OK) info->GetDescription(description.Out());
+  return FromBstr(description.Get());
+}
+
+// Records what the probe file held when the shell was asked about it.
+struct ProbeReadingPlatform : RecordingPlatform {
+  std::string probeContents;
+  UINT_PTR FindExecutable(const std::wstring& file, std::wstring* buffer) override {
+    FileHandle probe(CreateFileW(file.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr));
+    probeContents.assign(64, '\0');
+    DWORD read = 0;
+    if (probe) ReadFile(probe.Get(), &probeContents[0], 64, &read, nullptr);
+    probeContents.resize(read);
+    return RecordingPlatform::FindExecutable(file, buffer);
+  }
+};
+
+class Browser : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    CurrentStore().Initialise();
+    CurrentStore().dialUpUnavailable = false;
+    CurrentStore()[kWinTempDir].text = temp_.Path();
+    CurrentStore()[kWebSiteURL].text = L"http://www.example.com/sito";
+  }
+  std::wstring Probe() const { return temp_.Path() + L"\\TEST.HTM"; }
+  std::wstring Found() {
+    std::wstring browser = L"unchanged";
+    EXPECT_EQ(S_OK, FindDefaultBrowser(&browser));
+    EXPECT_FALSE(FileExists(Probe()));
+    return browser;
+  }
+
+  ScratchFolder temp_;
+  ProbeReadingPlatform platform_;
+};
+
+TEST_F(Browser, ThePathEndsAfterTheFirstExeAndKeepsItsCase) {
+  ScopedPlatform scope(&platform_);
+  platform_.executable = L"C:\\Program Files\\Browser\\browser.exe";
+  EXPECT_EQ(L"C:\\Program Files\\Browser\\browser.exe", Found());
+  ASSERT_EQ(1u, platform_.executableLookups.size());
+  EXPECT_EQ(Probe(), platform_.executableLookups[0]);
+  EXPECT_EQ("\"<HTML> <\\HTML>\"\r\n", platform_.probeContents);
+
+  platform_.executable = L"C:\\B\\BROWSER.EXE -nohome";
+  EXPECT_EQ(L"C:\\B\\BROWSER.EXE", Found());
+  platform_.executable = L"C:\\Tools\\exec\\browser.exe";
+  EXPECT_EQ(L"C:\\Tools\\exe", Found());
+  platform_.executable = L"C:\\B\\browser.com";  // no "exe": two characters
+  EXPECT_EQ(L"C:", Found());
+  platform_.executable = L"  C:\\B\\b.exe";
+  EXPECT_EQ(L"C:\\B\\b.exe", Found());
+  platform_.executableCode = 32;  // no association
+  EXPECT_EQ(L"", Found());
+}
+
+TEST_F(Browser, ProbeFileErrorsReachTheHostAsFileErrors) {
+  ScopedPlatform scope(&platform_);
+  std::wstring browser;
+  CurrentStore()[kWinTempDir].text = temp_.Path() + L"\\missing";
+  EXPECT_EQ(kPathNotFound, FindDefaultBrowser(&browser));
+  EXPECT_EQ(L"Path not found", ErrorDescription());
+  EXPECT_TRUE(platform_.executableLookups.empty());
+
+  // A probe file that cannot be rewritten is not the control's to delete.
+  CurrentStore()[kWinTempDir].text = temp_.Path();
+  WriteTextFile(Probe(), "someone else's");
+  SetFileAttributesW(Probe().c_str(), FILE_ATTRIBUTE_READONLY);
+  EXPECT_EQ(kPathFileAccessError, FindDefaultBrowser(&browser));
+  EXPECT_EQ(L"Path/File access error", ErrorDescription());
+}
+
+TEST_F(Browser, AProbeFileThatCannotBeDeletedIsAnAccessError) {
+  struct HoldingPlatform : RecordingPlatform {
+    FileHandle held;
+    UINT_PTR FindExecutable(const std::wstring& file, std::wstring* buffer) override {
+      held.Reset(CreateFileW(file.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr, OPEN_EXISTING,
+                             0, nullptr));
+      return RecordingPlatform::FindExecutable(file, buffer);
+    }
+  } platform;
+  ScopedPlatform scope(&platform);
+  platform.executable = L"C:\\B\\b.exe";
+  std::wstring browser = L"unchanged";
+  EXPECT_EQ(kPathFileAccessError, FindDefaultBrowser(&browser));
+  EXPECT_TRUE(platform.held);
+  EXPECT_EQ(L"", browser);
+}
+
+// With a server that answers the probe, so the Internet is reachable.
+class OpeningAddresses : public Browser {
+ protected:
+  LocalHttpServer server_{LocalHttpServer::Behaviour::Answer, "Brevantis online"};
+  ProbeSettings settings_{server_.Url(), L"Brevantis online"};
+};
+
+TEST_F(OpeningAddresses, TheCommandLineIsThePathASpaceAndTheAddress) {
+  ScopedPlatform scope(&platform_);
+  platform_.executable = L"C:\\B\\b.exe";
+  const std::wstring addresses[] = {L"x", L"http://a/b?c=\"d e\"&f=%20", std::wstring(100000, L'u'),
+                                    std::wstring(L"a\0b", 3)};
+  for (const std::wstring& address : addresses) {
+    bool opened = false;
+    EXPECT_EQ(S_OK, OpenUrlInBrowser(address, &opened));
+    EXPECT_TRUE(opened);
+    EXPECT_EQ(L"C:\\B\\b.exe " + address, platform_.processes.back().commandLine);
+    EXPECT_EQ(1, platform_.processes.back().showCommand);
+    EXPECT_FALSE(FileExists(Probe()));
+  }
+
+  // Quoted only when the path holds a space.
+  platform_.executable = L"C:\\Program Files\\B\\b.exe";
+  bool opened = false;
+  EXPECT_EQ(S_OK, OpenUrlInBrowser(L"x y", &opened));
+  EXPECT_EQ(L"\"C:\\Program Files\\B\\b.exe\" x y", platform_.processes.back().commandLine);
+  EXPECT_GT(server_.Requests(), 0);
+}
+
+TEST_F(OpeningAddresses, NoBrowserOrAFailedStartOpensNothing) {
+  ScopedPlatform scope(&platform_);
+  bool opened = true;
+  platform_.executableCode = 2;
+  EXPECT_EQ(S_OK, OpenUrlInBrowser(L"x", &opened));
+  EXPECT_FALSE(opened);
+  EXPECT_TRUE(platform_.processes.empty());
+
+  platform_.executableCode = 33;
+  platform_.executable = L"C:\\B\\b.exe";
+  platform_.processStarts = false;
+  EXPECT_EQ(S_OK, OpenUrlInBrowser(L"x", &opened));
+  EXPECT_FALSE(opened);
+  EXPECT_TRUE(platform_.messages.empty());
+}
+
+TEST_F(OpeningAddresses, OfflineTheAssistantIsOfferedAndNothingOpened) {
+  ScopedPlatform scope(&platform_);
+  platform_.connected = false;
+  platform_.executable = L"C:\\B\\b.exe";
+  bool opened = true;
+  EXPECT_EQ(S_OK, OpenUrlInBrowser(L"x", &opened));
+  EXPECT_FALSE(opened);
+  EXPECT_EQ(0, server_.Requests());
+  EXPECT_TRUE(platform_.executableLookups.empty());
+  EXPECT_TRUE(platform_.processes.empty());
+  ASSERT_EQ(1u, platform_.messages.size());  // no dial-up entries: the refusal
+  EXPECT_EQ(48u, platform_.messages[0].style);
+  EXPECT_TRUE(CurrentStore().assistantOwner);
+
+  // Once the dial-up library is known to be missing, nothing more is shown.
+  CurrentStore().dialUpUnavailable = true;
+  EXPECT_EQ(S_OK, OpenUrlInBrowser(L"x", &opened));
+  EXPECT_EQ(1u, platform_.messages.size());
+  EXPECT_FALSE(opened);
+}
+
+// The real shell of the prefix and the project's fake browser.
+class EndToEnd : public OpeningAddresses {
+ protected:
+  std::wstring Install(const std::wstring& relative) {
+    const std::wstring program = temp_.Path() + relative;
+    InstallFakeBrowser(program);
+    return program;
+  }
+  std::string Ansi(const std::wstring& text) { return ToAnsi(text).c_str(); }
+  bool Open(const std::wstring& argument) {
+    bool opened = false;
+    EXPECT_EQ(S_OK, OpenUrlInBrowser(WebConnectAddress(argument), &opened));
+    EXPECT_FALSE(FileExists(Probe()));
+    return opened;
+  }
+};
+
+TEST_F(EndToEnd, TheRegisteredBrowserOpensTheAddressOrWebSiteURL) {
+  const std::wstring program = Install(L"\\Browsers\\Fake\\FakeBrowser.EXE");
+  HtmAssociation association(program);
+  EXPECT_EQ(program, Found());
+  const std::pair<std::wstring, std::string> cases[] = {
+      {L"   ", " http://www.example.com/sito"}, {L" x ", " x"}, {L"http://a/?q=\"1 2\"&r=%41", " http://a/?q=\"1 2\"&r=%41"}};
+  size_t started = 0;
+  for (const auto& [argument, expected] : cases) {
+    ASSERT_TRUE(Open(argument));
+    // One at a time: browsers started together may write in any order.
+    const auto lines = BrowserCommandLines(program, ++started);
+    ASSERT_EQ(started, lines.size());
+    EXPECT_EQ(Ansi(program) + expected, lines.back());
+  }
+}
+
+TEST_F(EndToEnd, APathWithASpaceIsQuotedOnTheCommandLine) {
+  const std::wstring program = Install(L"\\Program Files\\Fake Browser\\fake.exe");
+  Install(L"\\Program.exe");  // what an unquoted command line would run first
+  HtmAssociation association(program);
+  ASSERT_TRUE(Open(L"x"));
+  const auto lines = BrowserCommandLines(program);
+  ASSERT_EQ(1u, lines.size());
+  EXPECT_EQ("\"" + Ansi(program) + "\" x", lines[0]);
+  EXPECT_FALSE(FileExists(temp_.Path() + L"\\command_lines.txt"));
+}
+
+TEST_F(EndToEnd, BadPathsAndAddressesOpenNothing) {
+  // Cut after the "exe" of "exec": a program that does not exist.
+  const std::wstring program = Install(L"\\exec\\fake.exe");
+  HtmAssociation association(program);
+  EXPECT_EQ(temp_.Path() + L"\\exe", Found());
+  EXPECT_FALSE(Open(L"x"));
+
+  // Longer than any command line can be.
+  const std::wstring good = Install(L"\\Good\\fake.exe");
+  HtmAssociation goodAssociation(good);
+  EXPECT_FALSE(Open(std::wstring(100000, L'u')));
+}
+
+TEST_F(EndToEnd, WithoutAnAssociationThereIsNoBrowser) {
+  EXPECT_EQ(L"", Found());  // the prefix has none of its own
+  EXPECT_FALSE(Open(L"x"));
+}
+
+}  // namespace

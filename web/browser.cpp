@@ -1,0 +1,152 @@
+// Finds the default browser by asking the shell which program opens a probe
+// HTML file, and opens addresses in it.
+#include "web/browser.h"
+
+#include "com/guard.h"
+#include "com/raii.h"
+#include "com/text.h"
+#include "control/store.h"
+#include "platform/platform.h"
+#include "web/connection_assistant.h"
+#include "web/file_error.h"
+#include "web/vb_text.h"
+
+namespace brevantis {
+namespace {
+
+constexpr size_t kBrowserBufferLength = 255;
+constexpr wchar_t kProbeFileName[] = L"\\TEST.HTM";
+// One quoted line, as a sequential file writes it. The closing tag keeps its
+// backslash: the file exists only for its extension and is never shown.
+constexpr char kProbeContents[] = "\"<HTML> <\\HTML>\"\r\n";
+
+// The probe file of one lookup. It is deleted explicitly as the lookup's last
+// action; the destructor only cleans up after an unexpected exit.
+class ProbeFile {
+ public:
+  explicit ProbeFile(const std::wstring& path) : path_(ToAnsi(path)) {}
+  ProbeFile(const ProbeFile&) = delete;
+  ProbeFile& operator=(const ProbeFile&) = delete;
+  ~ProbeFile() {
+    if (exists_) DeleteFileA(path_.c_str());
+  }
+
+  // Creates or truncates the file and writes the quoted line.
+  HRESULT Write() {
+    FileHandle file(CreateFileA(path_.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL,
+                                nullptr));
+    if (!file) return RaiseFileError(GetLastError());
+    exists_ = true;
+    DWORD written = 0;
+    const DWORD size = sizeof(kProbeContents) - 1;
+    if (!WriteFile(file.Get(), kProbeContents, size, &written, nullptr) || written != size) {
+      const DWORD error = GetLastError();
+      file.Reset();
+      Delete();
+      return RaiseFileError(error);
+    }
+    return S_OK;
+  }
+
+  HRESULT Delete() {
+    exists_ = false;
+    if (!DeleteFileA(path_.c_str())) return RaiseFileError(GetLastError());
+    return S_OK;
+  }
+
+ private:
+  std::string path_;
+  bool exists_ = false;
+};
+
+// The executable's path in what FindExecutableA left in the buffer: cut after
+// the first "exe" (found case-insensitively, or after two characters when
+// there is none), spaces trimmed; "" unless the shell's code is above 32.
+std::wstring BrowserPathFromBuffer(const std::wstring& buffer, UINT_PTR code) {
+  const size_t exe = LowerCase(buffer).find(L"exe");
+  const size_t keep = exe == std::wstring::npos ? 2 : exe + 3;
+  std::wstring path = TrimSpaces(buffer.substr(0, keep));
+  if (path.empty() || code <= 32) return std::wstring();
+  return path;
+}
+
+// Lets the host's pending window messages run once before the assistant
+// shows, as a DoEvents would.
+void YieldToPendingMessages() {
+  MSG message;
+  while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) {
+    if (message.message == WM_QUIT) {
+      PostQuitMessage(static_cast<int>(message.wParam));  // leave it for the host's own loop
+      return;
+    }
+    TranslateMessage(&message);
+    DispatchMessageW(&message);
+  }
+}
+
+// The hidden window that owns the dial dialog, made on first need and kept
+// in the store for the thread.
+HWND AssistantOwner() {
+  Store& store = CurrentStore();
+  HWND window = static_cast<HWND>(store.assistantOwner.get());
+  if (window && IsWindow(window)) return window;
+  window = CreateWindowExW(0, L"STATIC", L"", WS_POPUP, 0, 0, 0, 0, nullptr, nullptr, nullptr, nullptr);
+  store.assistantOwner.reset();
+  if (window) store.assistantOwner = std::shared_ptr<void>(window, [](void* w) { DestroyWindow(static_cast<HWND>(w)); });
+  return window;
+}
+
+}  // namespace
+
+HRESULT FindDefaultBrowser(std::wstring* browser) {
+  if (!browser) return E_POINTER;
+  browser->clear();
+  return Guarded([&] {
+    const std::wstring path = CurrentStore()[kWinTempDir].text + kProbeFileName;
+    ProbeFile probe(path);
+    HRESULT hr = probe.Write();
+    if (FAILED(hr)) return hr;
+    std::wstring buffer(kBrowserBufferLength, L' ');
+    const UINT_PTR code = CurrentPlatform().FindExecutable(path, &buffer);
+    std::wstring found = BrowserPathFromBuffer(buffer, code);
+    hr = probe.Delete();
+    if (FAILED(hr)) return hr;
+    *browser = std::move(found);
+    return S_OK;
+  });
+}
+
+HRESULT OpenUrlInBrowser(const std::wstring& url, bool* opened) {
+  if (!opened) return E_POINTER;
+  *opened = false;
+  return Guarded([&] {
+    if (!IsInternetReachable()) {
+      YieldToPendingMessages();
+      // The address is not opened afterwards even when a connection is made:
+      // the user asks again.
+      if (!CurrentStore().dialUpUnavailable) ShowConnectionAssistant(AssistantOwner());
+      return S_OK;
+    }
+    std::wstring browser;
+    const HRESULT hr = FindDefaultBrowser(&browser);
+    if (FAILED(hr) || browser.empty()) return hr;
+    // A browser that the system cannot start has not opened the page either.
+    *opened = CurrentPlatform().StartProcess(BrowserCommandLine(browser, url), SW_SHOWNORMAL);
+    return S_OK;
+  });
+}
+
+std::wstring WebConnectAddress(const std::wstring& argument) {
+  std::wstring address = TrimSpaces(argument);
+  return address.empty() ? CurrentStore()[kWebSiteURL].text : address;
+}
+
+std::wstring BrowserCommandLine(const std::wstring& browser, const std::wstring& argument) {
+  // Deliberately quoted when the path holds a space: unquoted, CreateProcess
+  // would try "C:\Program.exe" and the like first and could start another
+  // program. A path without spaces stays bare.
+  const bool quote = browser.find(L' ') != std::wstring::npos;
+  return (quote ? L"\"" + browser + L"\"" : browser) + L" " + argument;
+}
+
+}  // namespace brevantis

@@ -1,0 +1,78 @@
+// Opens the catalogue page on the program's CD in the default browser, or
+// opens the tray and asks for the CD.
+#include "web/cd_catalogue.h"
+
+#include "com/guard.h"
+#include "com/raii.h"
+#include "com/text.h"
+#include "control/store.h"
+#include "platform/platform.h"
+#include "web/browser.h"
+#include "web/vb_text.h"
+
+namespace brevantis {
+namespace {
+
+// The system is asked once, into 64 characters: up to 15 roots fit.
+constexpr size_t kDriveListLength = 64;
+
+// Whether path names a file that can be opened for reading; its contents are
+// not read. A folder, a missing file or a name the code page cannot carry
+// all count as absent.
+bool CanOpenForReading(const std::wstring& path) {
+  const std::string name = ToAnsi(path);
+  FileHandle file(CreateFileA(name.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr, OPEN_EXISTING,
+                              FILE_ATTRIBUTE_NORMAL, nullptr));
+  return static_cast<bool>(file);
+}
+
+void AskForCd() {
+  Platform& platform = CurrentPlatform();
+  platform.SendMciCommand(L"set CDAudio door open");  // the default CD audio device; its result does not matter
+  const Store& store = CurrentStore();
+  platform.ShowMessage(GetActiveWindow(), L"Inserire il CD di " + store[kProgramName].text + L" nel lettore CD-ROM.",
+                       L"Catalogo " + store[kCompanyName].text + L" su CD", MB_OK);
+}
+
+}  // namespace
+
+std::wstring FindCdRomDrive() {
+  Platform& platform = CurrentPlatform();
+  std::wstring list(kDriveListLength, L' ');
+  const DWORD length = platform.GetLogicalDriveStrings(&list);
+  if (length < list.size()) list.resize(length);
+  std::wstring drive;
+  UINT type = DRIVE_UNKNOWN;
+  do {
+    const size_t nul = list.find(L'\0');
+    // Deliberately ended here: a list too long for the buffer holds no NUL,
+    // and searching on would never end. The drive found so far stands.
+    if (nul == std::wstring::npos) break;
+    drive = list.substr(0, nul + 1);
+    list.erase(0, nul + 1);
+    type = platform.GetDriveType(drive.substr(0, nul));
+  } while (!list.empty() && type != DRIVE_CDROM);
+  return UpperCase(drive);
+}
+
+HRESULT OpenCatalogueOnCd(CdOutcome* outcome) {
+  if (!outcome) return E_POINTER;
+  *outcome = CdOutcome::NoBrowser;
+  return Guarded([&] {
+    const std::wstring path = FindCdRomDrive().substr(0, 3) + CurrentStore()[kCDIndexFile].text;
+    if (!CanOpenForReading(path)) {
+      AskForCd();
+      *outcome = CdOutcome::AskedForCd;
+      return S_OK;
+    }
+    std::wstring browser;
+    const HRESULT hr = FindDefaultBrowser(&browser);
+    if (FAILED(hr) || browser.empty()) return hr;
+    // A browser that the system cannot start has not opened the page either.
+    if (CurrentPlatform().StartProcess(BrowserCommandLine(browser, path), SW_SHOWNORMAL))
+      *outcome = CdOutcome::Opened;
+    return S_OK;
+  });
+}
+
+}  // namespace brevantis
