@@ -9,11 +9,12 @@ install_dependencies() {
   bash "$repo/scripts/install-deps.sh"
 }
 
-build_all() {
-  local tests=$1
-  cmake -S "$repo" -B "$build" -DCMAKE_TOOLCHAIN_FILE="$repo/cmake/toolchain-mingw-i686.cmake" \
-    -DBREVANTIS_TESTS="$tests" >/dev/null
-  cmake --build "$build" -j"$(nproc)"
+# Configures the build folder and builds the given targets (all when none).
+build() {
+  cmake -S "$repo" -B "$build" -DCMAKE_TOOLCHAIN_FILE="$repo/cmake/toolchain-mingw-i686.cmake" >/dev/null
+  local targets=()
+  for t in "$@"; do targets+=(--target "$t"); done
+  cmake --build "$build" -j"$(nproc)" "${targets[@]}"
 }
 
 # Windows get a display: the caller's, or a private Xvfb for this run.

@@ -4,7 +4,7 @@
 source "$(dirname "$0")/common.sh"
 
 install_dependencies
-build_all OFF
+build Brevantis demo_host wineprefix
 ensure_display
 
 run="$build/wine-run.sh"

@@ -3,7 +3,7 @@
 source "$(dirname "$0")/common.sh"
 
 install_dependencies
-build_all ON
+build
 ensure_display
 
 cd "$build"
