@@ -3,8 +3,8 @@
 # when everything is already there.
 set -euo pipefail
 
-packages=(wine wine32:i386 wine64 libwine-dev fonts-wine g++-mingw-w64-i686
-          mingw-w64-tools mingw-w64-i686-dev xvfb xauth imagemagick cmake make
+packages=(wine wine32:i386 wine64 libwine-dev fonts-wine g++-mingw-w64-i686 g++-mingw-w64-x86-64
+          mingw-w64-tools mingw-w64-i686-dev mingw-w64-x86-64-dev xvfb xauth imagemagick cmake make
           googletest python3)
 
 missing=()

@@ -96,7 +96,7 @@ TEST(Registration, RegistersWhatContainersNeedAndUnregistersAllOfIt) {
   EXPECT_EQ(Guid(CLSID_Brevantis), Value(L"BrevantisLib.Brevantis\\CLSID"));
 
   EXPECT_EQ(L"Ostrel Brevantis ActiveX Control", Value(L"TypeLib\\" + libid + L"\\1.3"));
-  EXPECT_EQ(Lower(BREVANTIS_OCX_PATH), Lower(Value(L"TypeLib\\" + libid + L"\\1.3\\409\\win32")));
+  EXPECT_EQ(Lower(BREVANTIS_OCX_PATH), Lower(Value(L"TypeLib\\" + libid + L"\\1.3\\409\\" BREVANTIS_TYPELIB_PLATFORM)));
   EXPECT_NE(L"<missing>", Value(L"Interface\\" + Guid(IID__Brevantis)));
 
   const std::set<std::wstring> registered = SnapshotRegistry(HKEY_CLASSES_ROOT, L"");
@@ -130,7 +130,7 @@ TEST(Registration, PerUserRegistrationStaysWithTheUser) {
   const std::wstring libid = Guid(LIBID_BrevantisLib);
   EXPECT_EQ(Lower(BREVANTIS_OCX_PATH), Lower(userValue(L"CLSID\\" + Guid(CLSID_Brevantis) + L"\\InprocServer32")));
   EXPECT_EQ(Guid(CLSID_clsCryptoFilterBox), userValue(L"BrevantisLib.clsCryptoFilterBox\\CLSID"));
-  EXPECT_EQ(Lower(BREVANTIS_OCX_PATH), Lower(userValue(L"TypeLib\\" + libid + L"\\1.3\\409\\win32")));
+  EXPECT_EQ(Lower(BREVANTIS_OCX_PATH), Lower(userValue(L"TypeLib\\" + libid + L"\\1.3\\409\\" BREVANTIS_TYPELIB_PLATFORM)));
   EXPECT_EQ(libid, userValue(L"Interface\\" + Guid(IID__Brevantis) + L"\\TypeLib"));
   EXPECT_EQ(machineBefore, SnapshotRegistry(HKEY_LOCAL_MACHINE, L"Software\\Classes"));
 
