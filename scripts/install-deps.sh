@@ -1,11 +1,12 @@
 #!/usr/bin/env bash
-# Installs the cross toolchain, Wine and Xvfb through apt. Idempotent and quiet
-# when everything is already there.
+# Installs the cross toolchain, Wine and Xvfb through apt, and clang with its
+# sanitizer and libFuzzer runtimes for fuzzing the decoder. Idempotent and
+# quiet when everything is already there.
 set -euo pipefail
 
 packages=(wine wine32:i386 wine64 libwine-dev fonts-wine g++-mingw-w64-i686
           mingw-w64-tools mingw-w64-i686-dev xvfb xauth imagemagick cmake make
-          googletest python3)
+          googletest python3 clang libclang-rt-14-dev)
 
 missing=()
 for p in "${packages[@]}"; do
