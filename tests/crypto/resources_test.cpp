@@ -2,58 +2,20 @@
 #include "crypto_box_fixture.h"
 
 #include <wincrypt.h>
-#include <winternl.h>
-#include <ntstatus.h>
 #include <functional>
 
 #include "platform/crypto_messages.h"
+#include "process_counters.h"
 
 using namespace brevantis;
 using brevantis::testing::CryptoBoxTest;
 using brevantis::testing::EveryByteValue;
+using brevantis::testing::HandleCount;
+using brevantis::testing::HeapBytesInUse;
 
 namespace {
 
 using Texts = std::vector<std::wstring>;
-
-// The process's open handles, from GetProcessHandleCount; Wine answers that
-// with 0, and there the entries of this process in the system's handle table
-// give the count.
-DWORD HandleCount() {
-  DWORD count = 0;
-  if (GetProcessHandleCount(GetCurrentProcess(), &count) && count) return count;
-  using QueryFn = LONG(WINAPI*)(ULONG, PVOID, ULONG, PULONG);
-  const auto query = reinterpret_cast<QueryFn>(
-      reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"ntdll.dll"), "NtQuerySystemInformation")));
-  if (!query) return 0;
-  std::vector<char> table(1 << 16);
-  LONG status;
-  ULONG needed = 0;
-  while ((status = query(SystemHandleInformation, table.data(), static_cast<ULONG>(table.size()), &needed)) ==
-         static_cast<LONG>(STATUS_INFO_LENGTH_MISMATCH))
-    table.resize(table.size() * 2);
-  if (status != 0) return 0;
-  const auto* info = reinterpret_cast<const SYSTEM_HANDLE_INFORMATION*>(table.data());
-  for (ULONG i = 0; i < info->Count; ++i)
-    if (info->Handle[i].OwnerPid == GetCurrentProcessId()) ++count;
-  return count;
-}
-
-// Bytes in use in every heap of the process: a CryptoAPI key or hash left
-// open holds a few hundred bytes there.
-size_t HeapBytesInUse() {
-  HANDLE heaps[256];
-  const DWORD count = GetProcessHeaps(256, heaps);
-  size_t total = 0;
-  for (DWORD i = 0; i < count && i < 256; ++i) {
-    PROCESS_HEAP_ENTRY entry = {};
-    HeapLock(heaps[i]);
-    while (HeapWalk(heaps[i], &entry))
-      if (entry.wFlags & PROCESS_HEAP_ENTRY_BUSY) total += entry.cbData;
-    HeapUnlock(heaps[i]);
-  }
-  return total;
-}
 
 // Handles the provider itself keeps per context acquired and released on the
 // user's container (Wine's keeps one), over n rounds.
