@@ -29,3 +29,10 @@ STDAPI DllCanUnloadNow() {
 STDAPI DllRegisterServer() { return RegisterServer(false); }
 
 STDAPI DllUnregisterServer() { return UnregisterServer(false); }
+
+// regsvr32 /n /i:user registers for the current user only (/u removes it);
+// any other command line registers for the machine, like DllRegisterServer.
+STDAPI DllInstall(BOOL install, PCWSTR commandLine) {
+  const bool perUser = commandLine && lstrcmpiW(commandLine, L"user") == 0;
+  return install ? RegisterServer(perUser) : UnregisterServer(perUser);
+}

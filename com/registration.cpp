@@ -39,11 +39,32 @@ class ClassesRoot {
   }
 
   LONG DeleteTree(const std::wstring& path) const {
-    const LONG rc = SHDeleteKeyW(Root(), Full(path).c_str());
-    return rc == ERROR_FILE_NOT_FOUND ? ERROR_SUCCESS : rc;
+    LONG rc = SHDeleteKeyW(Root(), Full(path).c_str());
+    if (rc == ERROR_FILE_NOT_FOUND) rc = ERROR_SUCCESS;
+    if (perUser_) DeleteEmptyParents(Full(path));
+    return rc;
   }
 
  private:
+  // The user's keys that registration created along the way (CLSID,
+  // TypeLib ... and Software\Classes itself on a system that had none) go
+  // when nothing is left in them.
+  void DeleteEmptyParents(std::wstring path) const {
+    for (size_t cut = path.rfind(L'\\'); cut != std::wstring::npos && cut > 0; cut = path.rfind(L'\\')) {
+      path.resize(cut);
+      if (path == L"Software") return;
+      RegKey key;
+      DWORD subKeys = 0, values = 0;
+      if (RegOpenKeyExW(HKEY_CURRENT_USER, path.c_str(), 0, KEY_READ, key.Out()) != ERROR_SUCCESS ||
+          RegQueryInfoKeyW(key.Get(), nullptr, nullptr, nullptr, &subKeys, nullptr, nullptr, &values, nullptr,
+                           nullptr, nullptr, nullptr) != ERROR_SUCCESS ||
+          subKeys != 0 || values != 0)
+        return;
+      key.Reset();
+      if (RegDeleteKeyW(HKEY_CURRENT_USER, path.c_str()) != ERROR_SUCCESS) return;
+    }
+  }
+
   HKEY Root() const { return perUser_ ? HKEY_CURRENT_USER : HKEY_CLASSES_ROOT; }
   std::wstring Full(const std::wstring& path) const { return perUser_ ? L"Software\\Classes\\" + path : path; }
 
@@ -115,21 +136,81 @@ LONG UnregisterClass(const ClassesRoot& root, const ServerClass& c, const TypeLi
   return rc;
 }
 
-// The per-user type library calls exist from Windows Vista SP1 on; they are
-// looked up at run time so that older systems can still load the control.
-HRESULT RegisterTypeLibPerUser(ITypeLib* lib, wchar_t* path) {
-  using Fn = HRESULT(WINAPI*)(ITypeLib*, OLECHAR*, OLECHAR*);
-  auto fn = reinterpret_cast<Fn>(reinterpret_cast<void*>(
-      GetProcAddress(GetModuleHandleW(L"oleaut32.dll"), "RegisterTypeLibForUser")));
-  return fn ? fn(lib, path, nullptr) : E_NOTIMPL;
-}
+constexpr wchar_t kAutomationMarshaler[] = L"{00020424-0000-0000-C000-000000000046}";
 
-HRESULT UnregisterTypeLibPerUser(const TypeLibInfo& lib) {
-  using Fn = HRESULT(WINAPI*)(REFGUID, WORD, WORD, LCID, SYSKIND);
-  auto fn = reinterpret_cast<Fn>(reinterpret_cast<void*>(
-      GetProcAddress(GetModuleHandleW(L"oleaut32.dll"), "UnRegisterTypeLibForUser")));
-  return fn ? fn(lib.libid, lib.major, lib.minor, lib.lcid, lib.syskind) : E_NOTIMPL;
-}
+// The keys the system writes for a type library and its automation
+// interfaces, written here under the user's own classes: the system's
+// per-user call is missing before Windows Vista SP1 and elsewhere writes
+// under the machine's keys.
+class UserTypeLib {
+ public:
+  UserTypeLib(const ClassesRoot& root, const TypeLibInfo& lib) : root_(root), lib_(lib) {}
+
+  std::wstring LibKey() const { return L"TypeLib\\" + GuidText(lib_.libid); }
+  std::wstring VersionText() const { return DecimalText(lib_.major) + L"." + DecimalText(lib_.minor); }
+
+  LONG Register(const std::wstring& path) const {
+    Bstr doc;
+    lib_.lib->GetDocumentation(-1, nullptr, doc.Out(), nullptr, nullptr);
+    TLIBATTR* attr = nullptr;
+    WORD flags = 0;
+    if (SUCCEEDED(lib_.lib->GetLibAttr(&attr))) {
+      flags = attr->wLibFlags;
+      lib_.lib->ReleaseTLibAttr(attr);
+    }
+    const std::wstring versionKey = LibKey() + L"\\" + VersionText();
+    const std::wstring platform = lib_.syskind == SYS_WIN64 ? L"win64" : L"win32";
+    wchar_t lcid[16];
+    wsprintfW(lcid, L"%x", lib_.lcid);
+    LONG rc = root_.Set(versionKey, nullptr, doc.Get() ? doc.Get() : L"");
+    if (rc == ERROR_SUCCESS) rc = root_.Set(versionKey + L"\\" + lcid + L"\\" + platform, nullptr, path);
+    if (rc == ERROR_SUCCESS) rc = root_.Set(versionKey + L"\\FLAGS", nullptr, DecimalText(flags | LIBFLAG_FHASDISKIMAGE));
+    if (rc == ERROR_SUCCESS) rc = root_.Set(versionKey + L"\\HELPDIR", nullptr, path.substr(0, path.rfind(L'\\')));
+    for (UINT i = 0; rc == ERROR_SUCCESS && i < lib_.lib->GetTypeInfoCount(); ++i) {
+      GUID iid;
+      std::wstring name;
+      if (!AutomationInterface(i, &iid, &name)) continue;
+      const std::wstring key = L"Interface\\" + GuidText(iid);
+      rc = root_.Set(key, nullptr, name);
+      if (rc == ERROR_SUCCESS) rc = root_.Set(key + L"\\ProxyStubClsid", nullptr, kAutomationMarshaler);
+      if (rc == ERROR_SUCCESS) rc = root_.Set(key + L"\\ProxyStubClsid32", nullptr, kAutomationMarshaler);
+      if (rc == ERROR_SUCCESS) rc = root_.Set(key + L"\\TypeLib", nullptr, GuidText(lib_.libid));
+      if (rc == ERROR_SUCCESS) rc = root_.Set(key + L"\\TypeLib", L"Version", VersionText());
+    }
+    return rc;
+  }
+
+  LONG Unregister() const {
+    LONG rc = root_.DeleteTree(LibKey());
+    for (UINT i = 0; i < lib_.lib->GetTypeInfoCount(); ++i) {
+      GUID iid;
+      std::wstring name;
+      if (!AutomationInterface(i, &iid, &name)) continue;
+      const LONG interfaceRc = root_.DeleteTree(L"Interface\\" + GuidText(iid));
+      if (rc == ERROR_SUCCESS) rc = interfaceRc;
+    }
+    return rc;
+  }
+
+ private:
+  // Dispatch and dual interfaces: those the automation marshaler serves.
+  bool AutomationInterface(UINT index, GUID* iid, std::wstring* name) const {
+    ComPtr<ITypeInfo> info;
+    TYPEATTR* attr = nullptr;
+    if (FAILED(lib_.lib->GetTypeInfo(index, info.Out())) || FAILED(info->GetTypeAttr(&attr))) return false;
+    const bool automation = attr->typekind == TKIND_DISPATCH ||
+                            (attr->typekind == TKIND_INTERFACE && (attr->wTypeFlags & TYPEFLAG_FOLEAUTOMATION));
+    *iid = attr->guid;
+    info->ReleaseTypeAttr(attr);
+    Bstr text;
+    info->GetDocumentation(MEMBERID_NIL, text.Out(), nullptr, nullptr, nullptr);
+    *name = text.Get() ? text.Get() : L"";
+    return automation;
+  }
+
+  const ClassesRoot& root_;
+  const TypeLibInfo& lib_;
+};
 
 }  // namespace
 
@@ -143,9 +224,9 @@ HRESULT RegisterServer(bool perUser) {
     const LONG rc = RegisterClass(root, *c, lib, path);
     if (rc != ERROR_SUCCESS) return HRESULT_FROM_WIN32(rc);
   }
+  if (perUser) return HRESULT_FROM_WIN32(UserTypeLib(root, lib).Register(path));
   std::wstring pathCopy = path;
-  return perUser ? RegisterTypeLibPerUser(lib.lib.Get(), &pathCopy[0])
-                 : RegisterTypeLib(lib.lib.Get(), &pathCopy[0], nullptr);
+  return RegisterTypeLib(lib.lib.Get(), &pathCopy[0], nullptr);
 }
 
 HRESULT UnregisterServer(bool perUser) {
@@ -160,9 +241,11 @@ HRESULT UnregisterServer(bool perUser) {
   }
   // Unregistering what is not registered is not a failure.
   Bstr registeredPath;
-  if (SUCCEEDED(QueryPathOfRegTypeLib(lib.libid, lib.major, lib.minor, lib.lcid, registeredPath.Out()))) {
-    hr = perUser ? UnregisterTypeLibPerUser(lib)
-                 : UnRegisterTypeLib(lib.libid, lib.major, lib.minor, lib.lcid, lib.syskind);
+  if (perUser) {
+    const LONG libRc = UserTypeLib(root, lib).Unregister();
+    if (rc == ERROR_SUCCESS) rc = libRc;
+  } else if (SUCCEEDED(QueryPathOfRegTypeLib(lib.libid, lib.major, lib.minor, lib.lcid, registeredPath.Out()))) {
+    hr = UnRegisterTypeLib(lib.libid, lib.major, lib.minor, lib.lcid, lib.syskind);
   }
   return rc != ERROR_SUCCESS ? HRESULT_FROM_WIN32(rc) : hr;
 }

@@ -16,28 +16,42 @@ HRESULT ToBstr(const std::wstring& text, BSTR* out) {
 
 std::string ToAnsi(const std::wstring& text) {
   std::string bytes;
+  AppendAnsi(text, &bytes);
+  return bytes;
+}
+
+void AppendAnsi(const std::wstring& text, std::string* bytes) {
+  const size_t start = bytes->size();
+  size_t written = 0;
   if (!text.empty() && text.size() < INT_MAX / 2) {
     const int length = static_cast<int>(text.size());
     const int needed = WideCharToMultiByte(CP_ACP, 0, text.data(), length, nullptr, 0, nullptr, nullptr);
     if (needed > 0) {
-      bytes.resize(needed);
-      WideCharToMultiByte(CP_ACP, 0, text.data(), length, &bytes[0], needed, nullptr, nullptr);
+      bytes->resize(start + needed);
+      WideCharToMultiByte(CP_ACP, 0, text.data(), length, &(*bytes)[start], needed, nullptr, nullptr);
+      written = static_cast<size_t>(needed);
     }
   }
-  if (bytes.size() < text.size()) bytes.resize(text.size(), '\0');
-  return bytes;
+  if (written < text.size()) bytes->resize(start + text.size(), '\0');
 }
 
 std::wstring FromAnsi(const char* bytes, size_t count) {
   std::wstring text;
-  if (count == 0 || count >= INT_MAX) return text;
-  const int length = static_cast<int>(count);
-  const int needed = MultiByteToWideChar(CP_ACP, 0, bytes, length, nullptr, 0);
-  if (needed > 0) {
-    text.resize(needed);
-    MultiByteToWideChar(CP_ACP, 0, bytes, length, &text[0], needed);
-  }
+  AssignFromAnsi(bytes, count, &text);
   return text;
+}
+
+void AssignFromAnsi(const char* bytes, size_t count, std::wstring* text) {
+  const int length = count < INT_MAX ? static_cast<int>(count) : 0;
+  const int needed = length ? MultiByteToWideChar(CP_ACP, 0, bytes, length, nullptr, 0) : 0;
+  if (needed <= 0) {
+    text->clear();
+    return;
+  }
+  // Characters already there are overwritten, not cleared first: on large
+  // texts filling them would cost as much as the conversion.
+  text->resize(needed);
+  MultiByteToWideChar(CP_ACP, 0, bytes, length, &(*text)[0], needed);
 }
 
 }  // namespace brevantis

@@ -18,10 +18,14 @@ HRESULT ToBstr(const std::wstring& text, BSTR* out);
 // to at least text.size() bytes, so a byte count equal to the character count
 // never reaches past the end.
 std::string ToAnsi(const std::wstring& text);
+// The same bytes appended to bytes, which can be sized beforehand.
+void AppendAnsi(const std::wstring& text, std::string* bytes);
 
 // Characters of ANSI bytes; each byte of a single-byte code page gives one.
 std::wstring FromAnsi(const char* bytes, size_t count);
 inline std::wstring FromAnsi(const std::string& bytes) { return FromAnsi(bytes.data(), bytes.size()); }
+// The same characters put in place of text's, in its storage where it fits.
+void AssignFromAnsi(const char* bytes, size_t count, std::wstring* text);
 
 }  // namespace brevantis
 

@@ -3,10 +3,19 @@
 
 #include "com/guard.h"
 #include "com/module.h"
+#include "com/text.h"
 #include "control/store.h"
 #include "forms/forms.h"
+#include "web/browser.h"
+#include "web/cd_catalogue.h"
 
 namespace brevantis {
+namespace {
+
+constexpr short kNoBrowserCode = 200;
+constexpr wchar_t kNoBrowserText[] = L"No default internet browser installed./Browser internet non installato.";
+
+}  // namespace
 
 BrevantisControl::BrevantisControl()
     : connectionPoints_(static_cast<IConnectionPointContainer*>(this), {&DIID___Brevantis, &IID_IPropertyNotifySink}) {}
@@ -49,8 +58,27 @@ HRESULT BrevantisControl::Create(REFIID iid, void** out) {
 STDMETHODIMP BrevantisControl::About() { return Guarded([] { return ShowControlAboutBox(); }); }
 STDMETHODIMP BrevantisControl::ShowAbout() { return Guarded([] { return ShowProgramAboutBox(); }); }
 STDMETHODIMP BrevantisControl::ShowSplashScreen() { return Guarded([] { return ShowProgramSplashScreen(); }); }
-STDMETHODIMP BrevantisControl::OpenCD() { return E_NOTIMPL; }
-STDMETHODIMP BrevantisControl::WebConnect(BSTR) { return E_NOTIMPL; }
+// A page that could not be opened reaches the host as the Error event; only
+// a probe file that cannot be written comes back as an automation error.
+STDMETHODIMP BrevantisControl::WebConnect(BSTR url) {
+  return Guarded([&] {
+    bool opened = false;
+    const HRESULT hr = OpenUrlInBrowser(WebConnectAddress(FromBstr(url)), &opened);
+    if (FAILED(hr)) return hr;
+    if (!opened) RaiseErrorEvent(kNoBrowserCode, kNoBrowserText);
+    return S_OK;
+  });
+}
+
+STDMETHODIMP BrevantisControl::OpenCD() {
+  return Guarded([&] {
+    CdOutcome outcome = CdOutcome::Opened;
+    const HRESULT hr = OpenCatalogueOnCd(&outcome);
+    if (FAILED(hr)) return hr;
+    if (outcome == CdOutcome::NoBrowser) RaiseErrorEvent(kNoBrowserCode, kNoBrowserText);
+    return S_OK;
+  });
+}
 
 void BrevantisControl::RaiseErrorEvent(short code, const std::wstring& text) {
   Store& store = CurrentStore();

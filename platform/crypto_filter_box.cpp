@@ -1,7 +1,13 @@
 #include "platform/crypto_filter_box.h"
 
+#include <algorithm>
+
 #include "com/guard.h"
 #include "com/text.h"
+#include "platform/crypto_handles.h"
+#include "platform/crypto_init_user.h"
+#include "platform/crypto_messages.h"
+#include "platform/crypto_steps.h"
 
 namespace brevantis {
 
@@ -36,9 +42,153 @@ STDMETHODIMP CryptoFilterBox::get_Status(LONG* value) {
   return S_OK;
 }
 
-STDMETHODIMP CryptoFilterBox::Sign() { return E_NOTIMPL; }
-STDMETHODIMP CryptoFilterBox::Validate() { return E_NOTIMPL; }
-STDMETHODIMP CryptoFilterBox::Encrypt() { return E_NOTIMPL; }
-STDMETHODIMP CryptoFilterBox::Decrypt() { return E_NOTIMPL; }
+HRESULT CryptoFilterBox::FinalConstruct() {
+  return Guarded([] {
+    ShowCryptoMessage(InitUser() ? L"InitUser OK" : L"InitUser failed");
+    return S_OK;
+  });
+}
+
+STDMETHODIMP CryptoFilterBox::Sign() {
+  return Guarded([&] {
+    status_ = 0;
+    signature_.clear();
+    RunUnderHandler(L"ErrSign ", [&] { SignInBuffer(); });
+    status_ = 1;
+    return S_OK;
+  });
+}
+
+STDMETHODIMP CryptoFilterBox::Validate() {
+  return Guarded([&] {
+    status_ = 0;
+    bool confirmed = false;
+    // A signature that could not be checked to the end is not confirmed.
+    RunUnderHandler(L"ErrValidate ", [&] { confirmed = SignatureConfirmed(); });
+    status_ = confirmed ? 2 : 1;
+    return S_OK;
+  });
+}
+
+STDMETHODIMP CryptoFilterBox::Encrypt() {
+  return Guarded([&] {
+    // OutBuffer keeps the last result until a key is made: callers of
+    // Encrypt have always been able to see it there after a failure.
+    status_ = 0;
+    RunUnderHandler(L"ErrEncrypt ", [&] { EncryptInBuffer(); });
+    status_ = 1;
+    return S_OK;
+  });
+}
+
+STDMETHODIMP CryptoFilterBox::Decrypt() {
+  return Guarded([&] {
+    status_ = 0;
+    outBuffer_.clear();
+    RunUnderHandler(L"ErrDecrypt ", [&] { DecryptInBuffer(); });
+    status_ = 1;
+    return S_OK;
+  });
+}
+
+void CryptoFilterBox::SignInBuffer() {
+  CryptContext context;
+  CryptHash hash;
+  if (!OpenMd5Of(inBuffer_, &context, &hash)) return;
+  // The first call, with an empty buffer, only learns the signature's size;
+  // its failure for want of room is expected.
+  std::string buffer = ToAnsi(signature_);
+  DWORD length = 0;
+  CryptSignHashA(hash.Get(), AT_SIGNATURE, "", 0, Bytes(buffer), &length);
+  buffer.assign(length, '\0');
+  const BOOL signedOk = CryptSignHashA(hash.Get(), AT_SIGNATURE, "", 0, Bytes(buffer), &length);
+  const DWORD error = GetLastError();
+  signature_ = FromAnsi(buffer);
+  if (!signedOk) ShowCryptoApiError(error, L" during CryptSignHash");
+}
+
+bool CryptoFilterBox::SignatureConfirmed() {
+  CryptContext context;
+  CryptHash hash;
+  if (!OpenMd5Of(inBuffer_, &context, &hash)) return false;
+  CryptKey key;
+  HCRYPTKEY handle = 0;
+  if (!CryptGetUserKey(context.Get(), AT_SIGNATURE, &handle)) {
+    ShowCryptoApiError(GetLastError(), L" during CryptGetUserKey!");
+    return false;
+  }
+  key.Reset(handle);
+  std::string bytes = ToAnsi(signature_);
+  if (CryptVerifySignatureA(hash.Get(), Bytes(bytes), ByteCount(signature_.size()), key.Get(), nullptr, 0))
+    return true;
+  const DWORD error = GetLastError();
+  // A signature that does not match is an answer, not a failure.
+  if (error != static_cast<DWORD>(NTE_BAD_SIGNATURE)) ShowCryptoApiError(error, L" during CryptVerifySignature!");
+  return false;
+}
+
+namespace {
+
+// Lends an object's spare cipher buffer to one call and takes it back after.
+// A call nested in a message box of the first finds none and makes its own.
+class LentBuffer {
+ public:
+  explicit LentBuffer(std::string* spare) : spare_(spare), bytes_(std::move(*spare)) {}
+  ~LentBuffer() { *spare_ = std::move(bytes_); }
+  LentBuffer(const LentBuffer&) = delete;
+  LentBuffer& operator=(const LentBuffer&) = delete;
+  std::string& Bytes() { return bytes_; }
+
+ private:
+  std::string* spare_;
+  std::string bytes_;
+};
+
+}  // namespace
+
+void CryptoFilterBox::EncryptInBuffer() {
+  CryptContext context;
+  CryptKey key;
+  if (!OpenRc4Key(password_, &context, &key)) return;
+  const size_t n = inBuffer_.size();
+  LentBuffer lent(&spareCipherBytes_);
+  std::string& working = lent.Bytes();
+  MakeCipherWorkingBytes(inBuffer_, &working);
+  DWORD length = ByteCount(n);
+  const BOOL encrypted = CryptEncrypt(key.Get(), 0, TRUE, 0, Bytes(working), &length, ByteCount(2 * n));
+  const DWORD error = GetLastError();
+  if (!encrypted) {
+    ShowCryptoMessage(L"bytes required:" + DecimalText(static_cast<LONG>(length)));
+    ShowCryptoApiError(error, L" during CryptEncrypt!");
+  }
+  // Set after a failed call too: callers have always found the buffer there.
+  // Only the bytes kept are converted back (in a single-byte code page each
+  // is one character), into OutBuffer's own storage when it is big enough.
+  AssignFromAnsi(working.data(), std::min<size_t>(length, working.size()), &outBuffer_);
+}
+
+void CryptoFilterBox::DecryptInBuffer() {
+  CryptContext context;
+  CryptKey key;
+  if (!OpenRc4Key(password_, &context, &key)) return;
+  const size_t n = inBuffer_.size();
+  LentBuffer lent(&spareCipherBytes_);
+  std::string& working = lent.Bytes();
+  MakeCipherWorkingBytes(inBuffer_, &working);
+  // The whole working buffer goes through the cipher, blanks included, unlike
+  // in Encrypt; only the first n characters are kept. RC4 is a stream cipher,
+  // so those come out the same either way.
+  DWORD length = ByteCount(2 * n);
+  const BOOL decrypted = CryptDecrypt(key.Get(), 0, TRUE, 0, Bytes(working), &length);
+  const DWORD error = GetLastError();
+  // The deciphered blanks are bare keystream: they are not kept.
+  std::fill(working.begin() + static_cast<std::ptrdiff_t>(n), working.end(), ' ');
+  if (!decrypted) {
+    ShowCryptoMessage(L"bytes required:" + DecimalText(static_cast<LONG>(length)));
+    ShowCryptoApiError(error, L" during CryptDecrypt!");
+    return;
+  }
+  AssignFromAnsi(working.data(), n, &outBuffer_);
+}
 
 }  // namespace brevantis

@@ -1,6 +1,8 @@
 // clsCryptoFilterBox: signs, validates, encrypts and decrypts text through the
 // Windows CryptoAPI. The host fills the buffers, calls a method and reads the
-// result back.
+// result back. Each method opens its own provider context and releases it
+// before it returns; failures are told to the user in message boxes and end
+// in Status, never in an error for the caller.
 #pragma once
 
 #include <windows.h>
@@ -18,6 +20,8 @@ class CryptoFilterBox : public ComClassBase,
  public:
   static const InterfaceEntry* Interfaces();
   static HRESULT Create(REFIID iid, void** out);
+  // Runs InitUser and tells the user how it went; creation goes on either way.
+  HRESULT FinalConstruct();
 
   STDMETHODIMP get_InBuffer(BSTR* value) override;
   STDMETHODIMP put_InBuffer(BSTR value) override;
@@ -33,11 +37,20 @@ class CryptoFilterBox : public ComClassBase,
   STDMETHODIMP put_Password(BSTR value) override;
 
  private:
+  void SignInBuffer();
+  bool SignatureConfirmed();
+  void EncryptInBuffer();
+  void DecryptInBuffer();
+
   std::wstring inBuffer_;
   std::wstring outBuffer_;
   std::wstring password_;
   std::wstring signature_;
   LONG status_ = 0;
+  // The cipher's working buffer, kept between calls so that repeated calls on
+  // a large text reuse memory already mapped instead of fresh pages (most of
+  // the cost beyond the cipher itself). It holds no keystream between calls.
+  std::string spareCipherBytes_;
 };
 
 }  // namespace brevantis

@@ -1,20 +1,29 @@
-# Shared by demo.sh and test.sh: dependencies, the build, and a display.
+# Shared by demo.sh and test.sh: dependencies, the builds, and a display.
 # shellcheck shell=bash
 set -euo pipefail
 
 repo=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
+# The 32-bit build (the shipped control) and the 64-bit one from the same sources.
 build="${BREVANTIS_BUILD_DIR:-$repo/build}"
+build64="${BREVANTIS_BUILD_DIR_64:-${build}64}"
 
 install_dependencies() {
   bash "$repo/scripts/install-deps.sh"
 }
 
-build_all() {
-  local tests=$1
-  cmake -S "$repo" -B "$build" -DCMAKE_TOOLCHAIN_FILE="$repo/cmake/toolchain-mingw-i686.cmake" \
-    -DBREVANTIS_TESTS="$tests" >/dev/null
-  cmake --build "$build" -j"$(nproc)"
+# build_in DIR TOOLCHAIN [TARGET...]: configures DIR for the toolchain file
+# and builds the targets (all when none are named).
+build_in() {
+  local dir=$1 toolchain=$2
+  shift 2
+  cmake -S "$repo" -B "$dir" -DCMAKE_TOOLCHAIN_FILE="$repo/cmake/$toolchain" >/dev/null
+  local targets=()
+  for t in "$@"; do targets+=(--target "$t"); done
+  cmake --build "$dir" -j"$(nproc)" "${targets[@]}"
 }
+
+build() { build_in "$build" toolchain-mingw-i686.cmake "$@"; }
+build64() { build_in "$build64" toolchain-mingw-x86_64.cmake "$@"; }
 
 # Windows get a display: the caller's, or a private Xvfb for this run.
 ensure_display() {

@@ -1,11 +1,12 @@
 #!/usr/bin/env bash
-# Installs the cross toolchain, Wine and Xvfb through apt. Idempotent and quiet
-# when everything is already there.
+# Installs the cross toolchains, Wine and Xvfb through apt, and any further
+# packages named as arguments (fuzz/run.sh adds clang and its runtimes).
+# Idempotent and quiet when everything is already there.
 set -euo pipefail
 
-packages=(wine wine32:i386 wine64 libwine-dev fonts-wine g++-mingw-w64-i686
-          mingw-w64-tools mingw-w64-i686-dev xvfb xauth imagemagick cmake make
-          googletest python3)
+packages=(wine wine32:i386 wine64 libwine-dev fonts-wine g++-mingw-w64-i686 g++-mingw-w64-x86-64
+          mingw-w64-tools mingw-w64-i686-dev mingw-w64-x86-64-dev xvfb xauth imagemagick cmake make
+          googletest python3 "$@")
 
 missing=()
 for p in "${packages[@]}"; do

@@ -1,10 +1,11 @@
 #!/usr/bin/env bash
 # Creates a 32-bit Wine prefix for the control: fonts, self-drawn window
-# frames (Xvfb has no window manager). Usage: make-prefix.sh DIR
+# frames (Xvfb has no window manager). Usage: make-prefix.sh DIR [win32|win64]
 set -euo pipefail
 dir=$1
+arch=${2:-win32}
 rm -rf "$dir"
-export WINEPREFIX="$dir" WINEARCH=win32 WINEDEBUG=-all
+export WINEPREFIX="$dir" WINEARCH="$arch" WINEDEBUG=-all
 export WINEDLLOVERRIDES="mscoree,mshtml,winemenubuilder.exe=d"
 wineboot -i >/dev/null 2>&1
 wineserver -w

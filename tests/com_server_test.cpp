@@ -11,6 +11,7 @@
 #include "BrevantisLib_h.h"
 #include "com/dispatch_client.h"
 #include "com/raii.h"
+#include "message_box_watcher.h"
 #include "test_paths.h"
 
 using namespace brevantis;
@@ -19,6 +20,9 @@ namespace {
 
 class ComTest : public ::testing::Test {
  protected:
+  // A new crypto filter box tells in a message box how its key set-up went.
+  brevantis::testing::MessageBoxWatcher cryptoSetupMessages_{L"Brevantis"};
+
   void SetUp() override { ASSERT_TRUE(SUCCEEDED(CoInitialize(nullptr))); }
   void TearDown() override { CoUninitialize(); }
 
@@ -250,6 +254,8 @@ class ServerEntryPoints : public ::testing::Test {
  protected:
   using GetClassObjectFn = HRESULT(WINAPI*)(REFCLSID, REFIID, void**);
   using CanUnloadFn = HRESULT(WINAPI*)();
+
+  brevantis::testing::MessageBoxWatcher cryptoSetupMessages_{L"Brevantis"};
 
   void SetUp() override {
     CoInitialize(nullptr);

@@ -96,7 +96,7 @@ TEST(Registration, RegistersWhatContainersNeedAndUnregistersAllOfIt) {
   EXPECT_EQ(Guid(CLSID_Brevantis), Value(L"BrevantisLib.Brevantis\\CLSID"));
 
   EXPECT_EQ(L"Ostrel Brevantis ActiveX Control", Value(L"TypeLib\\" + libid + L"\\1.3"));
-  EXPECT_EQ(Lower(BREVANTIS_OCX_PATH), Lower(Value(L"TypeLib\\" + libid + L"\\1.3\\409\\win32")));
+  EXPECT_EQ(Lower(BREVANTIS_OCX_PATH), Lower(Value(L"TypeLib\\" + libid + L"\\1.3\\409\\" BREVANTIS_TYPELIB_PLATFORM)));
   EXPECT_NE(L"<missing>", Value(L"Interface\\" + Guid(IID__Brevantis)));
 
   const std::set<std::wstring> registered = SnapshotRegistry(HKEY_CLASSES_ROOT, L"");
@@ -111,6 +111,32 @@ TEST(Registration, RegistersWhatContainersNeedAndUnregistersAllOfIt) {
 
   EXPECT_EQ(0u, Regsvr32(L"/u /s"));  // unregistering what is not registered is harmless
   EXPECT_EQ(before, SnapshotRegistry(HKEY_CLASSES_ROOT, L""));
+}
+
+TEST(Registration, PerUserRegistrationStaysWithTheUser) {
+  const std::set<std::wstring> machineBefore = SnapshotRegistry(HKEY_LOCAL_MACHINE, L"Software\\Classes");
+  const std::set<std::wstring> userBefore = SnapshotRegistry(HKEY_CURRENT_USER, L"Software\\Classes");
+
+  ASSERT_EQ(0u, Regsvr32(L"/s /n /i:user"));
+  const std::wstring user = L"Software\\Classes\\";
+  auto userValue = [&](const std::wstring& key) {
+    wchar_t data[1024] = {};
+    DWORD bytes = sizeof(data) - sizeof(wchar_t);
+    if (RegGetValueW(HKEY_CURRENT_USER, (user + key).c_str(), nullptr, RRF_RT_REG_SZ, nullptr, data, &bytes) !=
+        ERROR_SUCCESS)
+      return std::wstring(L"<missing>");
+    return std::wstring(data);
+  };
+  const std::wstring libid = Guid(LIBID_BrevantisLib);
+  EXPECT_EQ(Lower(BREVANTIS_OCX_PATH), Lower(userValue(L"CLSID\\" + Guid(CLSID_Brevantis) + L"\\InprocServer32")));
+  EXPECT_EQ(Guid(CLSID_clsCryptoFilterBox), userValue(L"BrevantisLib.clsCryptoFilterBox\\CLSID"));
+  EXPECT_EQ(Lower(BREVANTIS_OCX_PATH), Lower(userValue(L"TypeLib\\" + libid + L"\\1.3\\409\\" BREVANTIS_TYPELIB_PLATFORM)));
+  EXPECT_EQ(libid, userValue(L"Interface\\" + Guid(IID__Brevantis) + L"\\TypeLib"));
+  EXPECT_EQ(machineBefore, SnapshotRegistry(HKEY_LOCAL_MACHINE, L"Software\\Classes"));
+
+  ASSERT_EQ(0u, Regsvr32(L"/u /s /n /i:user"));
+  EXPECT_EQ(userBefore, SnapshotRegistry(HKEY_CURRENT_USER, L"Software\\Classes"));
+  EXPECT_EQ(machineBefore, SnapshotRegistry(HKEY_LOCAL_MACHINE, L"Software\\Classes"));
 }
 
 }  // namespace

@@ -173,6 +173,38 @@ TEST_F(BehaviourTest, TheControlKeepsItsSquareWhateverItIsGiven) {
   EXPECT_EQ(1005, size.cx);
 }
 
+// Whether drawing the control into a white square changes any pixel.
+bool DrawsSomething(IViewObject* view) {
+  const HDC screen = GetDC(nullptr);
+  const HDC dc = CreateCompatibleDC(screen);
+  const HBITMAP bitmap = CreateCompatibleBitmap(screen, 38, 38);
+  ReleaseDC(nullptr, screen);
+  const HGDIOBJ old = SelectObject(dc, bitmap);
+  const RECT square = {0, 0, 38, 38};
+  FillRect(dc, &square, static_cast<HBRUSH>(GetStockObject(WHITE_BRUSH)));
+  const RECTL bounds = {0, 0, 38, 38};
+  EXPECT_EQ(S_OK, view->Draw(DVASPECT_CONTENT, -1, nullptr, nullptr, nullptr, dc, &bounds, nullptr, nullptr, 0));
+  bool changed = false;
+  for (int y = 0; y < 38 && !changed; ++y)
+    for (int x = 0; x < 38 && !changed; ++x) changed = (GetPixel(dc, x, y) & 0xFFFFFF) != 0xFFFFFF;
+  SelectObject(dc, old);
+  DeleteObject(bitmap);
+  DeleteDC(dc);
+  return changed;
+}
+
+TEST_F(BehaviourTest, DrawsItsPictureAtDesignTimeOnly) {
+  ComPtr<IDispatch> control = NewControl();
+  Owned<TestSite> site;
+  ASSERT_EQ(S_OK, As<IOleObject>(control.Get())->SetClientSite(site.As<IOleClientSite>()));
+  ComPtr<IViewObject> view = As<IViewObject>(control.Get());
+  site->userMode = false;
+  EXPECT_TRUE(DrawsSomething(view.Get()));
+  site->userMode = true;
+  EXPECT_FALSE(DrawsSomething(view.Get()));
+  As<IOleObject>(control.Get())->SetClientSite(nullptr);
+}
+
 TEST_F(BehaviourTest, ClassInfoNamesTheEventInterface) {
   ComPtr<IProvideClassInfo2> info = As<IProvideClassInfo2>(NewControl().Get());
   GUID events = {};

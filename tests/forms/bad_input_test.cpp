@@ -7,6 +7,7 @@
 #include "form_probe.h"
 #include "forms/forms.h"
 #include "forms/forms_resources.h"
+#include "process_counters.h"
 #include "screens_fixture.h"
 
 using namespace brevantis;
@@ -117,7 +118,7 @@ TEST_F(BadInput, AHundredShowsLeaveNoGdiObjectBehind) {
   showAll();  // the system's own first-use objects (fonts, classes) come now
 
   // The count sees what this process makes.
-  const int before = GdiObjectCount();
+  const DWORD before = GdiObjectCount();
   GdiObject probe(CreateSolidBrush(RGB(1, 2, 3)));
   ASSERT_EQ(before + 1, GdiObjectCount());
   probe.Reset();

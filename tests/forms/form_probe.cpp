@@ -1,7 +1,5 @@
 #include "form_probe.h"
 
-#include <cstdint>
-
 namespace brevantis::testing {
 namespace {
 
@@ -18,31 +16,6 @@ BOOL CALLBACK Match(HWND window, LPARAM parameter) {
   if (lstrcmpW(name, search->className) != 0 || (IsWindowVisible(window) != FALSE) != search->visible) return TRUE;
   search->found = window;
   return FALSE;
-}
-
-// Wine's table of GDI handles, where GetGuiResources does not count them:
-// the process's entries, 24 bytes each, in use when their type is not 0.
-#pragma pack(push, 1)
-struct WineGdiEntry {
-  uint64_t object;
-  uint32_t owner;
-  uint16_t unique;
-  uint8_t type;
-  uint8_t flags;
-  uint64_t user;
-};
-#pragma pack(pop)
-constexpr int kWineGdiEntries = 0x10000;
-
-int WineGdiObjectCount() {
-  const auto* teb = reinterpret_cast<const unsigned char*>(NtCurrentTeb());
-  const auto* peb = *reinterpret_cast<const unsigned char* const*>(teb + 0x30);
-  const auto* table = *reinterpret_cast<WineGdiEntry* const*>(peb + 0x94);  // GdiSharedHandleTable
-  if (!table) return -1;
-  int count = 0;
-  for (int i = 0; i < kWineGdiEntries; ++i)
-    if (table[i].type) ++count;
-  return count;
 }
 
 }  // namespace
@@ -107,11 +80,6 @@ FormVisitor::FormVisitor(const wchar_t* className, std::function<void(HWND)> vis
 bool FormVisitor::Join() {
   if (thread_.joinable()) thread_.join();
   return found_;
-}
-
-int GdiObjectCount() {
-  const DWORD counted = GetGuiResources(GetCurrentProcess(), GR_GDIOBJECTS);
-  return counted ? static_cast<int>(counted) : WineGdiObjectCount();
 }
 
 }  // namespace brevantis::testing

@@ -47,7 +47,4 @@ class FormVisitor {
   bool found_ = false;
 };
 
-// The GDI objects of this process.
-int GdiObjectCount();
-
 }  // namespace brevantis::testing

@@ -1,0 +1,140 @@
+// Bad input through the registered control's COM interfaces, as a careless
+// host or script would give it: each case gets its outcome, and the process
+// stays healthy afterwards.
+#include <gtest/gtest.h>
+
+#include <cfloat>
+#include <climits>
+#include <string>
+
+#include "BrevantisLib_h.h"
+#include "com/dispatch_client.h"
+#include "com/raii.h"
+#include "local_http_server.h"
+#include "message_box_watcher.h"
+#include "process_counters.h"
+#include "test_container.h"
+#include "web_test_support.h"
+
+using namespace brevantis;
+using namespace brevantis::testing;
+
+namespace {
+
+VARIANT Double(double value) {
+  VARIANT v;
+  VariantInit(&v);
+  V_VT(&v) = VT_R8;
+  V_R8(&v) = value;
+  return v;
+}
+
+VARIANT Long(LONG value) {
+  VARIANT v;
+  VariantInit(&v);
+  V_VT(&v) = VT_I4;
+  V_I4(&v) = value;
+  return v;
+}
+
+class BadInput : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    ASSERT_TRUE(SUCCEEDED(OleInitialize(nullptr)));
+    ASSERT_EQ(S_OK, control_.Create(L"BrevantisLib.Brevantis"));
+  }
+  void TearDown() override {
+    // Still healthy: a new object answers.
+    DispatchClient fresh;
+    EXPECT_EQ(S_OK, fresh.Create(L"BrevantisLib.Brevantis"));
+    EXPECT_EQ(L"Pellandra", fresh.GetString(L"DefaultProgramFolder"));
+    control_ = DispatchClient();
+    fresh = DispatchClient();
+    OleUninitialize();
+  }
+
+  // Loads the control as a saved form would (it learns this machine's folders).
+  void Load() {
+    ComPtr<IPersistPropertyBag> persist;
+    ASSERT_EQ(S_OK, control_.Get()->QueryInterface(IID_IPersistPropertyBag, persist.OutVoid()));
+    Owned<TestPropertyBag> bag;
+    ASSERT_EQ(S_OK, persist->Load(bag.As<IPropertyBag>(), nullptr));
+  }
+
+  SCODE Error(HRESULT hr, EXCEPINFO& info) {
+    SysFreeString(info.bstrSource);
+    SysFreeString(info.bstrDescription);
+    SysFreeString(info.bstrHelpFile);
+    return hr == DISP_E_EXCEPTION ? info.scode : hr;
+  }
+
+  DispatchClient control_;
+};
+
+TEST_F(BadInput, NumbersTakeOnlyWhatConvertsToALong) {
+  for (const wchar_t* name : {L"ProgramMajor", L"ProgramMinor", L"ProgramRevision", L"SplashScreenInterval"}) {
+    SCOPED_TRACE(name);
+    ASSERT_EQ(S_OK, control_.Put(name, Long(7)));
+    EXPECT_EQ(DISP_E_OVERFLOW, control_.Put(name, Double(1e300)));
+    EXPECT_EQ(DISP_E_OVERFLOW, control_.Put(name, Double(-1e300)));
+    EXPECT_EQ(DISP_E_TYPEMISMATCH, control_.PutString(name, L"abc"));
+    EXPECT_EQ(L"7", control_.GetString(name));
+    ASSERT_EQ(S_OK, control_.PutString(name, L" 42 "));
+    EXPECT_EQ(L"42", control_.GetString(name));
+    ASSERT_EQ(S_OK, control_.Put(name, Double(2.5)));  // rounded half to even, as hosts do
+    EXPECT_EQ(L"2", control_.GetString(name));
+    for (LONG extreme : {LONG_MIN, LONG_MAX, -1L}) {
+      ASSERT_EQ(S_OK, control_.Put(name, Long(extreme)));
+      EXPECT_EQ(std::to_wstring(extreme), control_.GetString(name));
+    }
+  }
+  // A read-only property refuses a value that does not even convert.
+  EXPECT_EQ(DISP_E_TYPEMISMATCH, control_.PutString(L"IsWindowsNT", L"abc"));
+  EXPECT_EQ(L"False", control_.GetString(L"IsWindowsNT"));
+}
+
+TEST_F(BadInput, AMissingTemporaryFolderFailsWebConnectWithAFileError) {
+  ScratchFolder scratch;
+  SetCurrentDirectoryW(scratch.Path().c_str());
+  const std::wstring missing = scratch.Path() + L"\\gone";
+  SetEnvironmentVariableW(L"TMP", missing.c_str());
+  SetEnvironmentVariableW(L"TEMP", missing.c_str());
+  Load();
+  EXPECT_EQ(missing, control_.GetString(L"WinTempDir"));
+
+  LocalHttpServer server(LocalHttpServer::Behaviour::Answer, "Brevantis online");
+  ProbeSettings settings(server.Url(), L"Brevantis online");
+  EXCEPINFO info = {};
+  EXPECT_EQ(static_cast<SCODE>(0x800A004C),  // 76, path not found
+            Error(control_.Call(L"WebConnect", DISPATCH_METHOD, nullptr, 0, nullptr, &info), info));
+
+  // OpenCD looks for the page before any browser: with no CD it asks for one.
+  MessageBoxWatcher watcher(L"Catalogo Ostrel Edizioni su CD");
+  EXPECT_EQ(S_OK, control_.Call(L"OpenCD", DISPATCH_METHOD, nullptr, 0, nullptr));
+  EXPECT_EQ((std::vector<std::wstring>{L"Inserire il CD di  nel lettore CD-ROM."}), watcher.Texts());
+}
+
+TEST_F(BadInput, TenThousandFormsLeaveNothingBehind) {
+  auto cycle = [] {
+    ComPtr<IPersistPropertyBag> control;
+    ASSERT_EQ(S_OK, CoCreateInstance(CLSID_Brevantis, nullptr, CLSCTX_INPROC_SERVER, IID_IPersistPropertyBag,
+                                     control.OutVoid()));
+    ASSERT_EQ(S_OK, control->InitNew());
+    Owned<TestPropertyBag> saved, loaded;
+    loaded->SetText(L"ProgramName", L"Atlante");
+    loaded->SetText(L"CompanyName", L"Editrice");
+    ASSERT_EQ(S_OK, control->Load(loaded.As<IPropertyBag>(), nullptr));
+    ASSERT_EQ(S_OK, control->Save(saved.As<IPropertyBag>(), TRUE, FALSE));
+    ASSERT_TRUE(saved->Has(L"Version"));
+  };
+  for (int i = 0; i < 100; ++i) cycle();  // warm-up: libraries, caches
+  const DWORD handles = HandleCount(), gdi = GdiObjectCount();
+  const size_t heap = HeapBytesInUse();
+  for (int i = 0; i < 10000; ++i) cycle();
+  EXPECT_EQ(handles, HandleCount());
+  EXPECT_EQ(gdi, GdiObjectCount());
+  // A few hundred bytes kept by each cycle would be megabytes.
+  EXPECT_LE(HeapBytesInUse(), heap + 64 * 1024);
+}
+
+}  // namespace
