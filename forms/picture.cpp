@@ -63,16 +63,14 @@ ComPtr<IPictureDisp> LoadPictureFile(const std::wstring& path) {
 
 ComPtr<IPictureDisp> LoadBitmapPicture(int resourceId) {
   ComPtr<IPictureDisp> picture;
+  GdiObject bitmap(LoadImageW(ThisModule(), MAKEINTRESOURCEW(resourceId), IMAGE_BITMAP, 0, 0, LR_LOADMAP3DCOLORS));
+  if (!bitmap) return picture;
   PICTDESC desc = {};
   desc.cbSizeofstruct = sizeof(desc);
   desc.picType = PICTYPE_BITMAP;
-  desc.bmp.hbitmap = static_cast<HBITMAP>(
-      LoadImageW(ThisModule(), MAKEINTRESOURCEW(resourceId), IMAGE_BITMAP, 0, 0, LR_LOADMAP3DCOLORS));
-  if (!desc.bmp.hbitmap) return picture;
-  if (FAILED(OleCreatePictureIndirect(&desc, IID_IPictureDisp, TRUE, picture.OutVoid()))) {
-    DeleteObject(desc.bmp.hbitmap);
-    picture.Reset();
-  }
+  desc.bmp.hbitmap = static_cast<HBITMAP>(bitmap.Get());
+  if (SUCCEEDED(OleCreatePictureIndirect(&desc, IID_IPictureDisp, TRUE, picture.OutVoid())))
+    bitmap.Release();  // the picture owns it now
   return picture;
 }
 

@@ -49,12 +49,15 @@ class ControlAbout : public ScreensTest {
 TEST_F(ControlAbout, ShowsTheMakerTheVersionAndTheNotice) {
   store()[kVersion].text = L"1.03.0001";
   std::wstring caption, labels[12];
+  bool centred = false;
   Show([&](HWND form) {
     caption = TextOf(form);
+    centred = IsCentred(form);
     for (int i = 0; i < 12; ++i) labels[i] = ItemTextOf(form, kLabel1 + i);
     Click(form, IDOK);
   });
   EXPECT_EQ(L"About Ostrel Brevantis ActiveX Control", caption);
+  EXPECT_TRUE(centred);
   EXPECT_EQ(L"Ostrel Brevantis ActiveX Control", labels[0]);
   EXPECT_EQ(L"1.03.0001", labels[1]);
   EXPECT_EQ(L"© Copyright 2001/" + Year() + L", Ostrel - EU", labels[2]);

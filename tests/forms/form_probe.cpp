@@ -34,6 +34,14 @@ std::wstring TextOf(HWND window) {
 
 std::wstring ItemTextOf(HWND form, int id) { return TextOf(GetDlgItem(form, id)); }
 
+bool IsCentred(HWND window) {
+  RECT frame;
+  GetWindowRect(window, &frame);
+  const int dx = frame.left + frame.right - GetSystemMetrics(SM_CXSCREEN);
+  const int dy = frame.top + frame.bottom - GetSystemMetrics(SM_CYSCREEN);
+  return dx >= -1 && dx <= 1 && dy >= -1 && dy <= 1;
+}
+
 void Click(HWND form, int id) {
   const HWND item = GetDlgItem(form, id);
   PostMessageW(item, WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(2, 2));

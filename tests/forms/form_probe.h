@@ -20,6 +20,9 @@ HWND FindForm(const wchar_t* className, bool visible = true);
 std::wstring TextOf(HWND window);
 std::wstring ItemTextOf(HWND form, int id);
 
+// Whether window lies in the middle of the screen (to a pixel).
+bool IsCentred(HWND window);
+
 // Presses a button or clicks an element the way the mouse does.
 void Click(HWND form, int id);
 

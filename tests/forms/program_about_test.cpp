@@ -28,6 +28,7 @@ struct Shown {
   std::wstring caption, name, version, copyright, notice, tip;
   std::wstring authors[3];
   bool buttons = false;
+  bool centred = false;
 };
 
 Shown Read(HWND form) {
@@ -39,6 +40,7 @@ Shown Read(HWND form) {
   shown.notice = ItemTextOf(form, kLabel1 + 3);
   for (int i = 0; i < 3; ++i) shown.authors[i] = ItemTextOf(form, IDC_SHOWABOUT_LABEL2 + i);
   shown.tip = ToolTipText(form, IDC_SHOWABOUT_IMAGE2);
+  shown.centred = IsCentred(form);
   shown.buttons = IsWindowVisible(GetDlgItem(form, IDOK)) && IsWindowVisible(GetDlgItem(form, IDC_SHOWABOUT_SYSINFO));
   return shown;
 }
@@ -79,6 +81,7 @@ TEST_F(ProgramAbout, ShowsTheProgramFromTheStore) {
             shown.notice);
   EXPECT_EQ(L"Visitate il Sito Web Ostrel Edizioni", shown.tip);
   EXPECT_TRUE(shown.buttons);
+  EXPECT_TRUE(shown.centred);
   EXPECT_EQ(51u, store()[kAuthor2].text.size()) << "only the label is cut";
 }
 

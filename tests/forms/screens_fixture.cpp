@@ -50,10 +50,9 @@ ComPtr<IPictureDisp> SolidPicture(int width, int height, COLORREF colour) {
   desc.picType = PICTYPE_BITMAP;
   desc.bmp.hbitmap = CreateCompatibleBitmap(screen, width, height);
   const HGDIOBJ old = SelectObject(memory, desc.bmp.hbitmap);
-  const HBRUSH brush = CreateSolidBrush(colour);
+  GdiObject brush(CreateSolidBrush(colour));
   const RECT all = {0, 0, width, height};
-  FillRect(memory, &all, brush);
-  DeleteObject(brush);
+  FillRect(memory, &all, static_cast<HBRUSH>(brush.Get()));
   SelectObject(memory, old);
   DeleteDC(memory);
   ReleaseDC(nullptr, screen);
@@ -114,9 +113,9 @@ COLORREF DrawnPixel(HWND form, int id, int x, int y) {
   GetClientRect(item, &box);
   const HDC screen = GetDC(nullptr);
   const HDC memory = CreateCompatibleDC(screen);
-  const HBITMAP bitmap = CreateCompatibleBitmap(screen, box.right, box.bottom);
+  GdiObject bitmap(CreateCompatibleBitmap(screen, box.right, box.bottom));
   ReleaseDC(nullptr, screen);
-  const HGDIOBJ old = SelectObject(memory, bitmap);
+  const HGDIOBJ old = SelectObject(memory, bitmap.Get());
   FillRect(memory, &box, static_cast<HBRUSH>(GetStockObject(WHITE_BRUSH)));
   DRAWITEMSTRUCT draw = {};
   draw.CtlType = ODT_STATIC;
@@ -128,7 +127,6 @@ COLORREF DrawnPixel(HWND form, int id, int x, int y) {
   SendMessageW(form, WM_DRAWITEM, static_cast<WPARAM>(id), reinterpret_cast<LPARAM>(&draw));
   const COLORREF pixel = GetPixel(memory, x, y);
   SelectObject(memory, old);
-  DeleteObject(bitmap);
   DeleteDC(memory);
   return pixel;
 }
