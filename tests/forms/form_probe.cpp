@@ -1,29 +1,12 @@
 #include "form_probe.h"
 
 namespace brevantis::testing {
-namespace {
-
-struct Search {
-  const wchar_t* className;
-  bool visible;
-  HWND found;
-};
-
-BOOL CALLBACK Match(HWND window, LPARAM parameter) {
-  auto* search = reinterpret_cast<Search*>(parameter);
-  wchar_t name[64] = {};
-  GetClassNameW(window, name, 64);
-  if (lstrcmpW(name, search->className) != 0 || (IsWindowVisible(window) != FALSE) != search->visible) return TRUE;
-  search->found = window;
-  return FALSE;
-}
-
-}  // namespace
 
 HWND FindForm(const wchar_t* className, bool visible) {
-  Search search = {className, visible, nullptr};
-  EnumWindows(Match, reinterpret_cast<LPARAM>(&search));
-  return search.found;
+  for (HWND window = FindWindowExW(nullptr, nullptr, className, nullptr); window;
+       window = FindWindowExW(nullptr, window, className, nullptr))
+    if ((IsWindowVisible(window) != FALSE) == visible) return window;
+  return nullptr;
 }
 
 std::wstring TextOf(HWND window) {

@@ -12,15 +12,6 @@ namespace {
 
 constexpr char kProbeAnswer[] = "Brevantis online";
 
-BOOL CALLBACK FindToolTip(HWND window, LPARAM parameter) {
-  auto* search = reinterpret_cast<std::pair<HWND, HWND>*>(parameter);
-  wchar_t name[64] = {};
-  GetClassNameW(window, name, 64);
-  if (lstrcmpW(name, TOOLTIPS_CLASSW) != 0 || GetWindow(window, GW_OWNER) != search->first) return TRUE;
-  search->second = window;
-  return FALSE;
-}
-
 }  // namespace
 
 void ScreensTest::SetUp() {
@@ -142,16 +133,16 @@ COLORREF TextColour(HWND form, int id) {
 }
 
 std::wstring ToolTipText(HWND form, int id) {
-  std::pair<HWND, HWND> search = {form, nullptr};
-  EnumWindows(FindToolTip, reinterpret_cast<LPARAM>(&search));
-  if (!search.second) return L"";
+  HWND tip = FindWindowExW(nullptr, nullptr, TOOLTIPS_CLASSW, nullptr);
+  while (tip && GetWindow(tip, GW_OWNER) != form) tip = FindWindowExW(nullptr, tip, TOOLTIPS_CLASSW, nullptr);
+  if (!tip) return L"";
   std::wstring text(1024, L'\0');
   TTTOOLINFOW tool = {};
   tool.cbSize = TTTOOLINFOW_V2_SIZE;
   tool.hwnd = form;
   tool.uId = reinterpret_cast<UINT_PTR>(GetDlgItem(form, id));
   tool.lpszText = &text[0];
-  SendMessageW(search.second, TTM_GETTEXTW, text.size(), reinterpret_cast<LPARAM>(&tool));
+  SendMessageW(tip, TTM_GETTEXTW, text.size(), reinterpret_cast<LPARAM>(&tool));
   text.resize(wcslen(text.c_str()));
   return text;
 }
