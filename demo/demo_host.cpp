@@ -19,6 +19,38 @@ void Print(const char* label, const std::wstring& value) {
   std::printf("  %-22s %s\n", label, Utf8(value).c_str());
 }
 
+// Calls a method by name; false (and a line saying why) when it fails.
+bool CallMethod(DispatchClient& object, const wchar_t* name) {
+  const HRESULT hr = object.Call(name, DISPATCH_METHOD, nullptr, 0, nullptr);
+  if (FAILED(hr)) std::printf("  %s failed: 0x%08lX\n", Utf8(name).c_str(), static_cast<unsigned long>(hr));
+  return SUCCEEDED(hr);
+}
+
+// Lets the host's message loop run for a while, as a program's would: the
+// splash screen closes on a timer that this loop delivers.
+void PumpMessages(DWORD milliseconds) {
+  const DWORD end = GetTickCount() + milliseconds;
+  while (static_cast<LONG>(end - GetTickCount()) > 0) {
+    MSG message;
+    while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) {
+      TranslateMessage(&message);
+      DispatchMessageW(&message);
+    }
+    Sleep(10);
+  }
+}
+
+bool ShowScreens(DispatchClient& control) {
+  std::printf("The screens (each stays up a moment, then the demo closes it)\n");
+  std::printf("  ShowSplashScreen: closes itself after SplashScreenInterval\n");
+  if (!CallMethod(control, L"ShowSplashScreen")) return false;
+  PumpMessages(1500);
+  std::printf("  ShowAbout\n");
+  if (!CallMethod(control, L"ShowAbout")) return false;
+  std::printf("  About: the control's own about box\n");
+  return CallMethod(control, L"About");
+}
+
 bool ShowControl() {
   DispatchClient control;
   HRESULT hr = control.Create(L"BrevantisLib.Brevantis");
@@ -41,14 +73,16 @@ bool ShowControl() {
   SysFreeString(error.bstrSource);
   SysFreeString(error.bstrDescription);
   SysFreeString(error.bstrHelpFile);
-  return true;
-}
-
-// Calls a method by name; false (and a line saying why) when it fails.
-bool CallMethod(DispatchClient& object, const wchar_t* name) {
-  const HRESULT hr = object.Call(name, DISPATCH_METHOD, nullptr, 0, nullptr);
-  if (FAILED(hr)) std::printf("  %s failed: 0x%08lX\n", Utf8(name).c_str(), static_cast<unsigned long>(hr));
-  return SUCCEEDED(hr);
+  control.PutString(L"Author2", L"Marco Bellini");
+  control.PutString(L"CopyrightToDate", L"2026");
+  VARIANT number;
+  VariantInit(&number);
+  V_VT(&number) = VT_I4;
+  V_I4(&number) = 2;
+  control.Put(L"ProgramMajor", number);
+  V_I4(&number) = 7;
+  control.Put(L"ProgramRevision", number);
+  return ShowScreens(control);
 }
 
 bool ShowCryptoBox() {

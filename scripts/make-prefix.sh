@@ -12,5 +12,7 @@ wineserver -w
 mkdir -p "$dir/drive_c/windows/Fonts"
 cp /usr/share/wine/fonts/* "$dir/drive_c/windows/Fonts/" 2>/dev/null || true
 wine reg add 'HKCU\Software\Wine\X11 Driver' /v Decorated /d N /f >/dev/null 2>&1
+# Nor a window manager to wait for when a window closes.
+wine reg add 'HKCU\Software\Wine\X11 Driver' /v Managed /d N /f >/dev/null 2>&1
 wineserver -w
 touch "$dir/.brevantis-ready"
