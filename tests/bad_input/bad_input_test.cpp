@@ -3,7 +3,10 @@
 // stays healthy afterwards.
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <cfloat>
+#include <thread>
+#include <vector>
 #include <climits>
 #include <string>
 
@@ -135,6 +138,58 @@ TEST_F(BadInput, TenThousandFormsLeaveNothingBehind) {
   EXPECT_EQ(gdi, GdiObjectCount());
   // A few hundred bytes kept by each cycle would be megabytes.
   EXPECT_LE(HeapBytesInUse(), heap + 64 * 1024);
+}
+
+// Closes the control's forms of this process as they appear, as a user would.
+class FormCloser {
+ public:
+  FormCloser() : thread_([this] {
+    while (!stop_) {
+      for (const wchar_t* form : {L"frmabout", L"frmShowAbout"}) {
+        HWND window = nullptr;
+        while ((window = FindWindowExW(nullptr, window, form, nullptr)) != nullptr) {
+          DWORD process = 0;
+          GetWindowThreadProcessId(window, &process);
+          if (process == GetCurrentProcessId() && IsWindowVisible(window)) {
+            closed_.push_back(form);
+            PostMessageW(window, WM_CLOSE, 0, 0);
+            Sleep(200);
+          }
+        }
+      }
+      Sleep(20);
+    }
+  }) {}
+  ~FormCloser() {
+    stop_ = true;
+    thread_.join();
+  }
+  size_t Closed() const { return closed_.size(); }
+
+ private:
+  std::atomic<bool> stop_{false};
+  std::vector<std::wstring> closed_;
+  std::thread thread_;
+};
+
+TEST_F(BadInput, EveryMethodWorksOnAControlNeverInitialisedOrLoaded) {
+  ScratchFolder scratch;
+  SetCurrentDirectoryW(scratch.Path().c_str());  // a probe file of an unknown folder lands here
+  FormCloser closer;
+  MessageBoxWatcher assistant(L"Connessione ad Internet");
+  MessageBoxWatcher catalogue(L"Catalogo Ostrel Edizioni su CD");
+  for (const wchar_t* method : {L"About", L"ShowAbout", L"ShowSplashScreen", L"WebConnect", L"OpenCD"}) {
+    SCOPED_TRACE(method);
+    EXPECT_EQ(S_OK, control_.Call(method, DISPATCH_METHOD, nullptr, 0, nullptr));
+  }
+  // The splash closes on its timer, which this thread's messages deliver.
+  for (int i = 0; i < 300; ++i) {
+    MSG message;
+    while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) DispatchMessageW(&message);
+    Sleep(10);
+  }
+  EXPECT_GE(closer.Closed(), 2u);  // the two modal about boxes
+  EXPECT_EQ(1u, catalogue.Texts().size());
 }
 
 }  // namespace
