@@ -92,7 +92,7 @@ TEST_F(BadInput, MegabyteStringsShowAndTheirLinksWork) {
   EXPECT_EQ(mega.size(), version);
 }
 
-TEST_F(BadInput, AHundredShowsLeaveNoGdiObjectBehind) {
+TEST_F(BadInput, AHundredShowsLeaveNothingBehind) {
   const std::wstring logo = ModuleFolder() + L"Prglogo.bmp";
   WriteBitmapFile(logo, 64, 64, RGB(0, 0, 255));
   store()[kProgramPicture].picture = SolidPicture(300, 200, RGB(0, 128, 0));
@@ -123,8 +123,13 @@ TEST_F(BadInput, AHundredShowsLeaveNoGdiObjectBehind) {
   ASSERT_EQ(before + 1, GdiObjectCount());
   probe.Reset();
 
+  const DWORD handles = HandleCount();
+  const size_t heap = HeapBytesInUse();
   for (int i = 0; i < 100; ++i) showAll();
   EXPECT_EQ(before, GdiObjectCount());
+  EXPECT_EQ(handles, HandleCount());
+  // A form, picture or string kept by each show would be far more than this.
+  EXPECT_LE(HeapBytesInUse(), heap + 64 * 1024);
   DeleteFileW(logo.c_str());
 }
 
