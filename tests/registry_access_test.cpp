@@ -12,7 +12,16 @@ using namespace brevantis;
 
 namespace {
 
-const std::wstring kScratch = L"Software\\BrevantisTests\\RegistryAccess";
+// A scratch key of each test's own: the cases run in parallel in one prefix.
+std::wstring ScratchKey() {
+  const char* test = ::testing::UnitTest::GetInstance()->current_test_info()->name();
+  return L"Software\\BrevantisTests\\RegistryAccess\\" + std::wstring(test, test + strlen(test));
+}
+
+std::wstring ClassesScratchKey() {
+  const char* test = ::testing::UnitTest::GetInstance()->current_test_info()->name();
+  return L"BrevantisTests" + std::wstring(test, test + strlen(test));
+}
 
 class RegistryAccessTest : public ::testing::Test {
  protected:
@@ -20,20 +29,20 @@ class RegistryAccessTest : public ::testing::Test {
   void TearDown() override { Clean(); }
 
   static void Clean() {
-    for (HKEY root : {HKEY_CURRENT_USER, HKEY_LOCAL_MACHINE}) RegDeleteTreeW(root, kScratch.c_str());
-    RegDeleteTreeW(HKEY_CLASSES_ROOT, L"BrevantisTests");
+    for (HKEY root : {HKEY_CURRENT_USER, HKEY_LOCAL_MACHINE}) RegDeleteTreeW(root, ScratchKey().c_str());
+    RegDeleteTreeW(HKEY_CLASSES_ROOT, ClassesScratchKey().c_str());
   }
 
   // Stores raw bytes as the value "v" of the scratch key.
   static void SetRaw(DWORD type, const void* bytes, DWORD count, HKEY root = HKEY_CURRENT_USER) {
     RegKey key;
-    ASSERT_EQ(ERROR_SUCCESS, RegCreateKeyExW(root, kScratch.c_str(), 0, nullptr, 0, KEY_ALL_ACCESS, nullptr,
+    ASSERT_EQ(ERROR_SUCCESS, RegCreateKeyExW(root, ScratchKey().c_str(), 0, nullptr, 0, KEY_ALL_ACCESS, nullptr,
                                              key.Out(), nullptr));
     ASSERT_EQ(ERROR_SUCCESS, RegSetValueExA(key.Get(), "v", 0, type, static_cast<const BYTE*>(bytes), count));
   }
 
   static std::wstring ReadUser(const std::wstring& name = L"v") {
-    return ReadRegistryString(kScratch, name, false, true, false, false, false, false);
+    return ReadRegistryString(ScratchKey(), name, false, true, false, false, false, false);
   }
 
   static bool KeyExists(HKEY root, const std::wstring& path) {
@@ -45,7 +54,7 @@ class RegistryAccessTest : public ::testing::Test {
   static std::wstring StoredWide(HKEY root = HKEY_CURRENT_USER) {
     wchar_t data[300] = {};
     DWORD bytes = sizeof(data) - sizeof(wchar_t);
-    if (RegGetValueW(root, kScratch.c_str(), L"v", RRF_RT_ANY | RRF_NOEXPAND, nullptr, data, &bytes) != ERROR_SUCCESS)
+    if (RegGetValueW(root, ScratchKey().c_str(), L"v", RRF_RT_ANY | RRF_NOEXPAND, nullptr, data, &bytes) != ERROR_SUCCESS)
       return L"<missing>";
     return std::wstring(data, bytes / sizeof(wchar_t));
   }
@@ -53,23 +62,23 @@ class RegistryAccessTest : public ::testing::Test {
 
 TEST_F(RegistryAccessTest, WithNoFlagSetNothingIsReadOrWritten) {
   SetRaw(REG_SZ, "abc", 4);
-  EXPECT_EQ(L"", ReadRegistryString(kScratch, L"v", false, false, false, false, false, false));
+  EXPECT_EQ(L"", ReadRegistryString(ScratchKey(), L"v", false, false, false, false, false, false));
 
-  WriteRegistryString(kScratch + L"\\New", L"v", L"text", false, false, false, false, false, false);
-  EXPECT_FALSE(KeyExists(HKEY_CURRENT_USER, kScratch + L"\\New"));
-  EXPECT_FALSE(KeyExists(HKEY_LOCAL_MACHINE, kScratch + L"\\New"));
+  WriteRegistryString(ScratchKey() + L"\\New", L"v", L"text", false, false, false, false, false, false);
+  EXPECT_FALSE(KeyExists(HKEY_CURRENT_USER, ScratchKey() + L"\\New"));
+  EXPECT_FALSE(KeyExists(HKEY_LOCAL_MACHINE, ScratchKey() + L"\\New"));
 }
 
 TEST_F(RegistryAccessTest, TheEarliestFlagWins) {
   SetRaw(REG_SZ, "user", 5, HKEY_CURRENT_USER);
   SetRaw(REG_SZ, "machine", 8, HKEY_LOCAL_MACHINE);
-  EXPECT_EQ(L"user", ReadRegistryString(kScratch, L"v", false, true, true, true, true, true));
-  EXPECT_EQ(L"machine", ReadRegistryString(kScratch, L"v", false, false, true, true, true, true));
+  EXPECT_EQ(L"user", ReadRegistryString(ScratchKey(), L"v", false, true, true, true, true, true));
+  EXPECT_EQ(L"machine", ReadRegistryString(ScratchKey(), L"v", false, false, true, true, true, true));
 
   // Classes root comes before the current user.
-  WriteRegistryString(L"BrevantisTests", L"v", L"classes", true, true, false, false, false, false);
-  EXPECT_TRUE(KeyExists(HKEY_CLASSES_ROOT, L"BrevantisTests"));
-  EXPECT_EQ(L"classe", ReadRegistryString(L"BrevantisTests", L"v", true, true, false, false, false, false));
+  WriteRegistryString(ClassesScratchKey(), L"v", L"classes", true, true, false, false, false, false);
+  EXPECT_TRUE(KeyExists(HKEY_CLASSES_ROOT, ClassesScratchKey()));
+  EXPECT_EQ(L"classe", ReadRegistryString(ClassesScratchKey(), L"v", true, true, false, false, false, false));
   EXPECT_EQ(L"user", ReadUser());  // the current user's value was not touched
 }
 
@@ -101,46 +110,46 @@ TEST_F(RegistryAccessTest, TheStoredTypeIsNotLookedAt) {
 }
 
 TEST_F(RegistryAccessTest, WrittenTextHasNoNulAndReadsBackOneShorter) {
-  WriteRegistryString(kScratch, L"v", L"abc", false, true, false, false, false, false);
+  WriteRegistryString(ScratchKey(), L"v", L"abc", false, true, false, false, false, false);
   EXPECT_EQ(L"abc", StoredWide());
   EXPECT_EQ(L"ab", ReadUser());
 }
 
 TEST_F(RegistryAccessTest, TextGoesThroughTheAnsiCodePage) {
   const std::wstring city = L"Citt\u00e0 di Castello";
-  WriteRegistryString(kScratch, L"v", city, false, true, false, false, false, false);
+  WriteRegistryString(ScratchKey(), L"v", city, false, true, false, false, false, false);
   EXPECT_EQ(city, StoredWide());
   EXPECT_EQ(city.substr(0, city.size() - 1), ReadUser());
 }
 
 TEST_F(RegistryAccessTest, WritingCreatesMissingKeysAlongThePath) {
-  WriteRegistryString(kScratch + L"\\A\\B\\C", L"v", L"deep", false, true, false, false, false, false);
-  EXPECT_EQ(L"dee", ReadRegistryString(kScratch + L"\\A\\B\\C", L"v", false, true, false, false, false, false));
+  WriteRegistryString(ScratchKey() + L"\\A\\B\\C", L"v", L"deep", false, true, false, false, false, false);
+  EXPECT_EQ(L"dee", ReadRegistryString(ScratchKey() + L"\\A\\B\\C", L"v", false, true, false, false, false, false));
 }
 
 TEST_F(RegistryAccessTest, MissingKeysAndValuesReadAsEmpty) {
-  EXPECT_EQ(L"", ReadRegistryString(kScratch + L"\\Missing", L"v", false, true, false, false, false, false));
+  EXPECT_EQ(L"", ReadRegistryString(ScratchKey() + L"\\Missing", L"v", false, true, false, false, false, false));
   SetRaw(REG_SZ, "abc", 4);
   EXPECT_EQ(L"", ReadUser(L"missing"));
 }
 
 TEST_F(RegistryAccessTest, AnOverlongPathFailsSilently) {
-  const std::wstring path = kScratch + L"\\" + std::wstring(10000, L'k');
+  const std::wstring path = ScratchKey() + L"\\" + std::wstring(10000, L'k');
   WriteRegistryString(path, L"v", L"abc", false, true, false, false, false, false);
   EXPECT_EQ(L"", ReadRegistryString(path, L"v", false, true, false, false, false, false));
   DeleteRegistryKey(0x80000001, path);
 }
 
 TEST_F(RegistryAccessTest, DeleteRemovesAKeyWithoutSubKeysOnly) {
-  WriteRegistryString(kScratch + L"\\Leaf", L"v", L"abc", false, true, false, false, false, false);
-  WriteRegistryString(kScratch + L"\\Parent\\Child", L"v", L"abc", false, true, false, false, false, false);
+  WriteRegistryString(ScratchKey() + L"\\Leaf", L"v", L"abc", false, true, false, false, false, false);
+  WriteRegistryString(ScratchKey() + L"\\Parent\\Child", L"v", L"abc", false, true, false, false, false, false);
 
-  DeleteRegistryKey(0x80000001, kScratch + L"\\Leaf");
-  DeleteRegistryKey(0x80000001, kScratch + L"\\Parent");
-  DeleteRegistryKey(0x80000001, kScratch + L"\\NeverThere");
+  DeleteRegistryKey(0x80000001, ScratchKey() + L"\\Leaf");
+  DeleteRegistryKey(0x80000001, ScratchKey() + L"\\Parent");
+  DeleteRegistryKey(0x80000001, ScratchKey() + L"\\NeverThere");
 
-  EXPECT_FALSE(KeyExists(HKEY_CURRENT_USER, kScratch + L"\\Leaf"));
-  EXPECT_TRUE(KeyExists(HKEY_CURRENT_USER, kScratch + L"\\Parent\\Child"));
+  EXPECT_FALSE(KeyExists(HKEY_CURRENT_USER, ScratchKey() + L"\\Leaf"));
+  EXPECT_TRUE(KeyExists(HKEY_CURRENT_USER, ScratchKey() + L"\\Parent\\Child"));
 }
 
 }  // namespace
