@@ -44,10 +44,4 @@ const PropertyDef kProperties[kPropertyCount] = {
     {L"OSName",                 36, S, L"",                             0,    ENV, false, 0},
 };
 
-const PropertyDef* FindProperty(DISPID dispid) {
-  for (const PropertyDef& p : kProperties)
-    if (p.dispid == dispid) return &p;
-  return nullptr;
-}
-
 }  // namespace brevantis

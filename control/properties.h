@@ -38,6 +38,4 @@ enum Prop {
 
 extern const PropertyDef kProperties[kPropertyCount];
 
-const PropertyDef* FindProperty(DISPID dispid);
-
 }  // namespace brevantis

@@ -31,11 +31,6 @@ Store& CurrentStore() {
   return *store;
 }
 
-void DestroyCurrentStore() {
-  delete static_cast<Store*>(TlsGetValue(StoreSlot()));
-  TlsSetValue(StoreSlot(), nullptr);
-}
-
 ComPtr<IPictureDisp> CreateEmptyPicture() {
   PICTDESC desc = {};
   desc.cbSizeofstruct = sizeof(desc);

@@ -44,10 +44,10 @@ class Store {
   PropertyValue values_[kPropertyCount];
 };
 
-// The store of the calling thread, created on first use.
+// The store of the calling thread, created on first use. It lives as long as
+// the thread: freeing it at thread exit would release COM objects (pictures,
+// forms) from inside the loader's notification, where that is not safe.
 Store& CurrentStore();
-// Destroys the calling thread's store (when the thread or the module ends).
-void DestroyCurrentStore();
 
 // A new picture object of type none, the control's empty picture.
 ComPtr<IPictureDisp> CreateEmptyPicture();
