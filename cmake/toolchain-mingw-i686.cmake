@@ -11,7 +11,9 @@ set(CMAKE_RC_COMPILER ${TOOLCHAIN_PREFIX}-windres)
 set(WIDL ${TOOLCHAIN_PREFIX}-widl)
 set(WIDL_ARCH -m32)
 set(WINEARCH win32)
-set(WINE_LOADER wine)
+# Named, never Debian's `wine` wrapper: where 32-bit code runs only under
+# emulation, every Wine call must say which loader it means.
+set(WINE_LOADER /usr/lib/wine/wine)
 
 set(CMAKE_FIND_ROOT_PATH /usr/${TOOLCHAIN_PREFIX})
 set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)

@@ -1,5 +1,6 @@
 #!/usr/bin/env bash
-# Builds the 32-bit control and its benchmarks and prints every figure:
+# Builds the 32-bit control (the 64-bit one where no 32-bit code can run) and
+# its benchmarks and prints every figure:
 # the OCX's size and imports, load and instance costs, property access,
 # Encrypt/Decrypt against the bare CryptoAPI, reachability latencies.
 # Not a test: figures vary with the machine. docs/performance.md keeps the
@@ -7,7 +8,9 @@
 source "$(dirname "$0")/common.sh"
 
 install_dependencies
-build Brevantis wineprefix control_bench crypto_bench reachability_bench
+decide_32bit
+targets=(Brevantis wineprefix control_bench crypto_bench reachability_bench)
+if [[ $run32 == none ]]; then build64 "${targets[@]}"; build=$build64; else build "${targets[@]}"; fi
 ensure_display
 run="$build/wine-run.sh"
 

@@ -1,10 +1,19 @@
 #!/usr/bin/env bash
 # Builds Brevantis.ocx and the demo host, registers the control in the build's
-# private Wine prefix and runs the demo host there.
+# private Wine prefix and runs the demo host there: the 32-bit control, or the
+# 64-bit one where the machine can run no 32-bit code at all.
 source "$(dirname "$0")/common.sh"
 
 install_dependencies
-build Brevantis demo_host demo_browser wineprefix
+decide_32bit
+targets=(Brevantis demo_host demo_browser wineprefix)
+if [[ $run32 == none ]]; then
+  echo "The demo runs on the 64-bit control instead."
+  build64 "${targets[@]}"
+  build=$build64
+else
+  build "${targets[@]}"
+fi
 ensure_display
 
 run="$build/wine-run.sh"

@@ -1,18 +1,17 @@
 #!/usr/bin/env bash
-# Creates a 32-bit Wine prefix for the control: fonts, self-drawn window
-# frames (Xvfb has no window manager). Usage: make-prefix.sh DIR [win32|win64]
+# Creates a Wine prefix for the control: fonts, self-drawn window frames and
+# no window manager to wait for (Xvfb has none).
+# Usage: make-prefix.sh RUNNER DIR, RUNNER being the build's wine-run.sh,
+# which names the loader and the prefix's architecture.
 set -euo pipefail
-dir=$1
-arch=${2:-win32}
+run=$1 dir=$2
 rm -rf "$dir"
-export WINEPREFIX="$dir" WINEARCH="$arch" WINEDEBUG=-all
-export WINEDLLOVERRIDES="mscoree,mshtml,winemenubuilder.exe=d"
-wineboot -i >/dev/null 2>&1
+export BREVANTIS_WINEPREFIX="$dir" WINEPREFIX="$dir"
+"$run" wineboot -i >/dev/null
 wineserver -w
 mkdir -p "$dir/drive_c/windows/Fonts"
 cp /usr/share/wine/fonts/* "$dir/drive_c/windows/Fonts/" 2>/dev/null || true
-wine reg add 'HKCU\Software\Wine\X11 Driver' /v Decorated /d N /f >/dev/null 2>&1
-# Nor a window manager to wait for when a window closes.
-wine reg add 'HKCU\Software\Wine\X11 Driver' /v Managed /d N /f >/dev/null 2>&1
+"$run" reg add 'HKCU\Software\Wine\X11 Driver' /v Decorated /d N /f >/dev/null
+"$run" reg add 'HKCU\Software\Wine\X11 Driver' /v Managed /d N /f >/dev/null
 wineserver -w
 touch "$dir/.brevantis-ready"
