@@ -1,12 +1,17 @@
 # Cross build of the 32-bit Windows control on Linux with MinGW-w64.
-# The posix-threads compiler is used because GoogleTest needs std::mutex;
-# everything is linked statically, so nothing but system DLLs is imported.
+# Everything is linked statically, so nothing but system DLLs is imported.
 set(CMAKE_SYSTEM_NAME Windows)
 set(CMAKE_SYSTEM_PROCESSOR i686)
 set(TOOLCHAIN_PREFIX i686-w64-mingw32)
 
-set(CMAKE_C_COMPILER ${TOOLCHAIN_PREFIX}-gcc-posix)
-set(CMAKE_CXX_COMPILER ${TOOLCHAIN_PREFIX}-g++-posix)
+# The runtime's thread model: posix where the tests are built (GoogleTest and
+# std::thread need it), win32 for the shipped control, whose runtime is smaller.
+if(NOT BREVANTIS_THREADS)
+  set(BREVANTIS_THREADS posix)
+endif()
+list(APPEND CMAKE_TRY_COMPILE_PLATFORM_VARIABLES BREVANTIS_THREADS)
+set(CMAKE_C_COMPILER ${TOOLCHAIN_PREFIX}-gcc-${BREVANTIS_THREADS})
+set(CMAKE_CXX_COMPILER ${TOOLCHAIN_PREFIX}-g++-${BREVANTIS_THREADS})
 set(CMAKE_RC_COMPILER ${TOOLCHAIN_PREFIX}-windres)
 set(WIDL ${TOOLCHAIN_PREFIX}-widl)
 set(WIDL_ARCH -m32)

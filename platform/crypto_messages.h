@@ -4,7 +4,6 @@
 
 #include <windows.h>
 #include <new>
-#include <stdexcept>
 #include <string>
 
 namespace brevantis {
@@ -34,8 +33,6 @@ bool RunUnderHandler(const wchar_t* tag, Body&& body) noexcept {
     body();
     return true;
   } catch (const std::bad_alloc&) {
-    ShowUnexpectedFailure(tag, L"Out of memory");
-  } catch (const std::length_error&) {
     ShowUnexpectedFailure(tag, L"Out of memory");
   } catch (...) {
     ShowUnexpectedFailure(tag, L"Internal error");

@@ -1,6 +1,6 @@
 #include "platform/crypto_steps.h"
 
-#include <stdexcept>
+#include <new>
 
 #include "com/text.h"
 #include "platform/crypto_messages.h"
@@ -57,7 +57,7 @@ void MakeCipherWorkingBytes(const std::wstring& inBuffer, std::string* bytes) {
 }
 
 DWORD ByteCount(size_t characters) {
-  if (characters != static_cast<DWORD>(characters)) throw std::length_error("byte count");
+  if (characters != static_cast<DWORD>(characters)) throw std::bad_alloc();  // past 4 GiB: no buffer can hold it
   return static_cast<DWORD>(characters);
 }
 
