@@ -110,7 +110,9 @@ decide_32bit() {
     echo "This machine runs 32-bit x86 code natively."
   elif setup_emulation; then
     run32=emulated
-    echo "This machine cannot run 32-bit x86 code natively: the 32-bit control runs under qemu-user emulation, 3 to 5 times slower."
+    local why="This machine cannot run 32-bit x86 code natively"
+    [[ "${BREVANTIS_FORCE_EMULATION:-}" == 1 ]] && why="BREVANTIS_FORCE_EMULATION=1"
+    echo "$why: the 32-bit control runs under qemu-user emulation, 3 to 5 times slower."
   else
     run32=none
     echo "This machine cannot run 32-bit x86 code, and $no32_reason."
