@@ -192,4 +192,26 @@ TEST_F(BadInput, EveryMethodWorksOnAControlNeverInitialisedOrLoaded) {
   EXPECT_EQ(1u, catalogue.Texts().size());
 }
 
+#ifndef _WIN64
+// The shipped control keeps C++ exceptions so that running out of memory is
+// an automation error for the host, not a crash. The test fills the address
+// space with reservations (no memory is committed) until the control cannot
+// copy a long name, then gives it back; the control goes on working. Only a
+// 32-bit process can be filled: Wine keeps a byte per reserved page.
+TEST_F(BadInput, RunningOutOfMemoryIsAnErrorNotACrash) {
+  ComPtr<_Brevantis> control;
+  ASSERT_EQ(S_OK, control_.Get()->QueryInterface(IID__Brevantis, control.OutVoid()));
+  const Bstr name(std::wstring(8 << 20, L'n').c_str());
+  std::vector<void*> reserved;
+  for (SIZE_T size = SIZE_T(1) << 30; size >= 0x10000; size /= 2) {
+    while (void* block = VirtualAlloc(nullptr, size, MEM_RESERVE, PAGE_NOACCESS)) reserved.push_back(block);
+  }
+  const HRESULT full = control->put_Author1(name.Get());
+  for (void* block : reserved) VirtualFree(block, 0, MEM_RELEASE);
+  EXPECT_EQ(E_OUTOFMEMORY, full);
+  ASSERT_EQ(S_OK, control->put_Author1(name.Get()));
+  EXPECT_EQ(name.Length(), control_.GetString(L"Author1").size());
+}
+#endif
+
 }  // namespace
