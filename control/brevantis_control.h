@@ -185,6 +185,7 @@ class BrevantisControl : public ComClassBase,
   DWORD viewAspects_ = 0;
   DWORD viewFlags_ = 0;
   HWND window_ = nullptr;
+  bool tellingSiteItsSquare_ = false;  // a site that insists from OnPosRectChange is not told again
   bool dirty_ = false;
   ConnectionPoints connectionPoints_;
 };

@@ -5,6 +5,8 @@
 
 #include <olectl.h>
 
+#include <algorithm>
+
 #include "com/guard.h"
 #include "com/module.h"
 
@@ -122,11 +124,11 @@ HRESULT BrevantisControl::ActivateInPlace(IOleClientSite* site, HWND parent, LPC
       inPlace->GetWindowContext(frame.Out(), document.Out(), &rect, &clip, &info);
     }
     if (!RegisterWindowClass()) return HRESULT_FROM_WIN32(GetLastError());
-    const LONG side = SidePixels(nullptr);
-    window_ = CreateWindowExW(0, kWindowClass, L"", WS_CHILD | WS_CLIPSIBLINGS, rect.left, rect.top, side, side,
-                              container, nullptr, ThisModule(), nullptr);
+    window_ = CreateWindowExW(0, kWindowClass, L"", WS_CHILD | WS_CLIPSIBLINGS, rect.left, rect.top, 0, 0, container,
+                              nullptr, ThisModule(), nullptr);
     if (!window_) return HRESULT_FROM_WIN32(GetLastError());
     inPlaceSite_ = inPlace;
+    SetObjectRects(&rect, &rect);
     ShowForMode();
     return S_OK;
   });
@@ -155,11 +157,17 @@ STDMETHODIMP BrevantisControl::GetWindow(HWND* window) {
   return window_ ? S_OK : E_FAIL;
 }
 
+// The square stays where the container put it; a container that asked for
+// another size is told the square, so that its site keeps the control's size.
 STDMETHODIMP BrevantisControl::SetObjectRects(LPCRECT position, LPCRECT) {
   if (!position) return E_POINTER;
-  if (window_) {
-    const LONG side = SidePixels(nullptr);
-    SetWindowPos(window_, nullptr, position->left, position->top, side, side, SWP_NOZORDER | SWP_NOACTIVATE);
+  const LONG side = SidePixels(nullptr);
+  const RECT square = {position->left, position->top, position->left + side, position->top + side};
+  if (window_) SetWindowPos(window_, nullptr, square.left, square.top, side, side, SWP_NOZORDER | SWP_NOACTIVATE);
+  if (inPlaceSite_ && !tellingSiteItsSquare_ && !EqualRect(position, &square)) {
+    tellingSiteItsSquare_ = true;
+    inPlaceSite_->OnPosRectChange(&square);  // the site answers with SetObjectRects(square)
+    tellingSiteItsSquare_ = false;
   }
   return S_OK;
 }
@@ -177,10 +185,12 @@ STDMETHODIMP BrevantisControl::GetUserType(DWORD form, LPOLESTR* type) {
   return OleRegGetUserType(CLSID_Brevantis, form, type);
 }
 
-// Whatever size the container asks for, the control keeps its square.
+// A fixed-size object refuses any other extent with E_FAIL: containers then
+// keep, or ask GetExtent for, the square.
 STDMETHODIMP BrevantisControl::SetExtent(DWORD aspect, SIZEL* size) {
   if (!size) return E_POINTER;
-  return aspect == DVASPECT_CONTENT ? S_OK : DV_E_DVASPECT;
+  if (aspect != DVASPECT_CONTENT) return DV_E_DVASPECT;
+  return size->cx == kSideHimetric && size->cy == kSideHimetric ? S_OK : E_FAIL;
 }
 
 STDMETHODIMP BrevantisControl::GetExtent(DWORD aspect, SIZEL* size) {
@@ -221,7 +231,10 @@ STDMETHODIMP BrevantisControl::Draw(DWORD aspect, LONG, void*, DVTARGETDEVICE*, 
   if (aspect != DVASPECT_CONTENT) return DV_E_DVASPECT;
   if (!draw || !bounds) return E_INVALIDARG;
   if (IsDesignTime()) {
-    const RECT rect = {bounds->left, bounds->top, bounds->right, bounds->bottom};
+    // The square at the corner of bounds, never more than bounds.
+    const LONG side = SidePixels(draw);
+    const RECT rect = {bounds->left, bounds->top, std::min(bounds->right, bounds->left + side),
+                       std::min(bounds->bottom, bounds->top + side)};
     DrawToolboxPicture(draw, rect);
   }
   return S_OK;

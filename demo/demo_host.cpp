@@ -158,19 +158,17 @@ class ErrorPrinter : public IDispatch {
 // demo's run only.
 class ProbeAt {
  public:
-  ProbeAt(const std::wstring& url, const std::string& expected) {
+  explicit ProbeAt(const std::wstring& url) {
     RegCreateKeyExW(HKEY_CURRENT_USER, kKey, 0, nullptr, 0, KEY_SET_VALUE, nullptr, &key_, nullptr);
-    Set(L"ProbeUrl", url);
-    Set(L"ProbeExpectedText", std::wstring(expected.begin(), expected.end()));
+    Set(url);
   }
   ~ProbeAt() {
     RegDeleteValueW(key_, L"ProbeUrl");
-    RegDeleteValueW(key_, L"ProbeExpectedText");
     RegCloseKey(key_);
   }
-  void Set(const wchar_t* name, const std::wstring& value) {
-    RegSetValueExW(key_, name, 0, REG_SZ, reinterpret_cast<const BYTE*>(value.c_str()),
-                   static_cast<DWORD>((value.size() + 1) * sizeof(wchar_t)));
+  void Set(const std::wstring& url) {
+    RegSetValueExW(key_, L"ProbeUrl", 0, REG_SZ, reinterpret_cast<const BYTE*>(url.c_str()),
+                   static_cast<DWORD>((url.size() + 1) * sizeof(wchar_t)));
   }
 
  private:
@@ -206,7 +204,7 @@ bool ShowWebConnect() {
   const std::string page =
       "<html><head><title>Ostrel Edizioni: Brevantis</title></head><body>Brevantis online</body></html>";
   brevantis::testing::LocalHttpServer server(brevantis::testing::LocalHttpServer::Behaviour::Answer, page);
-  ProbeAt probe(server.Url(), page);
+  ProbeAt probe(server.Url());
   char temp[MAX_PATH] = {};
   GetTempPathA(MAX_PATH, temp);
   DeleteFileA((std::string(temp) + "brevantis-demo-browser.log").c_str());
@@ -232,8 +230,8 @@ bool ShowWebConnect() {
   if (!CallMethod(control, L"WebConnect")) return false;
   Print("browser opened", std::wstring(L"") + brevantis::FromAnsi(BrowserLog(1)));
 
-  std::printf("  Now the probe gets another answer: the machine counts as offline\n");
-  probe.Set(L"ProbeExpectedText", L"something else");
+  std::printf("  Now the probe's host name does not resolve: the machine counts as offline\n");
+  probe.Set(L"http://brevantis-probe.invalid/probe");
   if (!CallMethod(control, L"WebConnect")) return false;
   if (point) point->Unadvise(cookie);
   return true;

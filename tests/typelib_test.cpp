@@ -19,7 +19,7 @@ struct Member {
   const wchar_t* accessors;  // "func", or the property's accessors in order, as "get/put"
   DISPID dispid;
   DWORD helpContext;
-  bool hidden;               // hidden and not browsable
+  bool nonBrowsable;         // not in the property browser, still in object browsers
   const wchar_t* helpString;
 };
 
@@ -159,7 +159,7 @@ class TypeLibTest : public ::testing::Test {
       std::wstring name, accessors, helpString;
       DISPID dispid;
       DWORD helpContext;
-      bool hidden;
+      bool nonBrowsable;
     };
     std::vector<Seen> seen;
     const WORD funcs = Attributes(info).funcs;
@@ -171,13 +171,14 @@ class TypeLibTest : public ::testing::Test {
       ASSERT_EQ(S_OK, info->GetDocumentation(desc->memid, name.Out(), helpString.Out(), &context, nullptr));
       // Slots follow IDispatch's seven, in order.
       EXPECT_EQ(static_cast<SHORT>((7 + i) * sizeof(void*)), desc->oVft) << name.Get();
-      const bool hidden = (desc->wFuncFlags & FUNCFLAG_FHIDDEN) != 0;
-      EXPECT_EQ(hidden, (desc->wFuncFlags & FUNCFLAG_FNONBROWSABLE) != 0) << name.Get();
+      // Hidden would take a member out of IntelliSense: no member is.
+      EXPECT_EQ(0, desc->wFuncFlags & FUNCFLAG_FHIDDEN) << name.Get();
+      const bool nonBrowsable = (desc->wFuncFlags & FUNCFLAG_FNONBROWSABLE) != 0;
       if (!seen.empty() && seen.back().name == name.Get() && desc->invkind != INVOKE_FUNC) {
         seen.back().accessors += std::wstring(L"/") + AccessorName(desc->invkind);
       } else {
         seen.push_back({name.Get(), AccessorName(desc->invkind), helpString.Get() ? helpString.Get() : L"",
-                        desc->memid, context, hidden});
+                        desc->memid, context, nonBrowsable});
       }
       info->ReleaseFuncDesc(desc);
     }
@@ -188,7 +189,7 @@ class TypeLibTest : public ::testing::Test {
       EXPECT_EQ(table[i].accessors, seen[i].accessors);
       EXPECT_EQ(table[i].dispid, seen[i].dispid);
       EXPECT_EQ(table[i].helpContext, seen[i].helpContext);
-      EXPECT_EQ(table[i].hidden, seen[i].hidden);
+      EXPECT_EQ(table[i].nonBrowsable, seen[i].nonBrowsable);
       EXPECT_EQ(table[i].helpString, seen[i].helpString);
     }
   }

@@ -6,7 +6,8 @@
 
 namespace brevantis {
 
-// Whether the Internet can be reached now. Never fails: any doubt is false.
+// Whether the Internet can be reached now. Never fails; false only when there
+// is surely no way out, since false keeps the page from opening.
 bool IsInternetReachable();
 
 // The full path of the program that opens .htm files, or "" when there is

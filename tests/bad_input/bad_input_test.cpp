@@ -106,7 +106,7 @@ TEST_F(BadInput, AMissingTemporaryFolderFailsWebConnectWithAFileError) {
   EXPECT_EQ(missing, control_.GetString(L"WinTempDir"));
 
   LocalHttpServer server(LocalHttpServer::Behaviour::Answer, "Brevantis online");
-  ProbeSettings settings(server.Url(), L"Brevantis online");
+  ProbeSettings settings(server.Url());
   EXCEPINFO info = {};
   EXPECT_EQ(static_cast<SCODE>(0x800A004C),  // 76, path not found
             Error(control_.Call(L"WebConnect", DISPATCH_METHOD, nullptr, 0, nullptr, &info), info));

@@ -2,6 +2,8 @@
 // change notification, the Error event convention and the environment.
 #include "control_fixture.h"
 
+#include <tuple>
+
 using namespace brevantis;
 using namespace brevantis::testing;
 
@@ -159,49 +161,101 @@ TEST_F(BehaviourTest, TheEnvironmentIsThisMachines) {
   EXPECT_EQ(product, Get(control.Get(), L"OSName"));
 }
 
+// The 570-twip square in pixels of the screen.
+LONG SquareSide() {
+  const HDC screen = GetDC(nullptr);
+  const int dpi = GetDeviceCaps(screen, LOGPIXELSX);
+  ReleaseDC(nullptr, screen);
+  return MulDiv(570, dpi, 1440);
+}
+
+auto Edges(const RECT& r) { return std::make_tuple(r.left, r.top, r.right, r.bottom); }
+
+// A designer drags the control to other sizes: it refuses the extent, and in
+// place it tells the site its square.
 TEST_F(BehaviourTest, TheControlKeepsItsSquareWhateverItIsGiven) {
   ComPtr<IDispatch> control = NewControl();
   ComPtr<IOleObject> ole = As<IOleObject>(control.Get());
-  SIZEL wanted = {5000, 300};
-  EXPECT_EQ(S_OK, ole->SetExtent(DVASPECT_CONTENT, &wanted));
+  SIZEL dragged = {5000, 300};
+  SIZEL square = {1005, 1005};  // 570 twips in HIMETRIC
+  EXPECT_EQ(E_FAIL, ole->SetExtent(DVASPECT_CONTENT, &dragged));
+  EXPECT_EQ(S_OK, ole->SetExtent(DVASPECT_CONTENT, &square));
   SIZEL size = {};
   ASSERT_EQ(S_OK, ole->GetExtent(DVASPECT_CONTENT, &size));
-  EXPECT_EQ(1005, size.cx);  // 570 twips in HIMETRIC
+  EXPECT_EQ(1005, size.cx);
   EXPECT_EQ(1005, size.cy);
   ComPtr<IViewObject2> view = As<IViewObject2>(control.Get());
   ASSERT_EQ(S_OK, view->GetExtent(DVASPECT_CONTENT, -1, nullptr, &size));
   EXPECT_EQ(1005, size.cx);
+
+  Owned<TestSite> site;
+  site->userMode = false;
+  site->window = CreateWindowExW(0, L"STATIC", L"form", WS_OVERLAPPEDWINDOW, 0, 0, 400, 300, nullptr, nullptr,
+                                 nullptr, nullptr);
+  ASSERT_NE(nullptr, site->window);
+  ASSERT_EQ(S_OK, ole->SetClientSite(site.As<IOleClientSite>()));
+  const LONG side = SquareSide();
+  site->position = {10, 20, 210, 140};
+  ASSERT_EQ(S_OK, ole->DoVerb(OLEIVERB_INPLACEACTIVATE, nullptr, site.As<IOleClientSite>(), 0, site->window, nullptr));
+  EXPECT_EQ(Edges({10, 20, 10 + side, 20 + side}), Edges(site->position));
+  ComPtr<IOleInPlaceObject> inPlace = As<IOleInPlaceObject>(control.Get());
+  const RECT stretched = {30, 40, 330, 90};
+  EXPECT_EQ(S_OK, inPlace->SetObjectRects(&stretched, &stretched));
+  EXPECT_EQ(Edges({30, 40, 30 + side, 40 + side}), Edges(site->position));
+  HWND window = nullptr;
+  ASSERT_EQ(S_OK, inPlace->GetWindow(&window));
+  RECT client = {};
+  GetClientRect(window, &client);
+  EXPECT_EQ(Edges({0, 0, side, side}), Edges(client));
+  // A site that insists on its own size is told the square once, not for ever.
+  int told = 0;
+  site->onPosRectChange = [&] {
+    if (++told < 3) inPlace->SetObjectRects(&stretched, &stretched);
+  };
+  EXPECT_EQ(S_OK, inPlace->SetObjectRects(&stretched, &stretched));
+  EXPECT_EQ(1, told);
+  site->onPosRectChange = nullptr;
+  ole->Close(OLECLOSE_NOSAVE);
+  ole->SetClientSite(nullptr);
+  DestroyWindow(site->window);
 }
 
-// Whether drawing the control into a white square changes any pixel.
-bool DrawsSomething(IViewObject* view) {
+// The pixels that drawing the control into bounds larger than its square
+// changes in a white canvas, as the smallest rectangle holding them.
+RECT PaintedArea(IViewObject* view) {
+  constexpr int kCanvas = 100;
   const HDC screen = GetDC(nullptr);
   const HDC dc = CreateCompatibleDC(screen);
-  const HBITMAP bitmap = CreateCompatibleBitmap(screen, 38, 38);
+  const HBITMAP bitmap = CreateCompatibleBitmap(screen, kCanvas, kCanvas);
   ReleaseDC(nullptr, screen);
   const HGDIOBJ old = SelectObject(dc, bitmap);
-  const RECT square = {0, 0, 38, 38};
-  FillRect(dc, &square, static_cast<HBRUSH>(GetStockObject(WHITE_BRUSH)));
-  const RECTL bounds = {0, 0, 38, 38};
+  const RECT canvas = {0, 0, kCanvas, kCanvas};
+  FillRect(dc, &canvas, static_cast<HBRUSH>(GetStockObject(WHITE_BRUSH)));
+  const RECTL bounds = {0, 0, kCanvas, kCanvas};
   EXPECT_EQ(S_OK, view->Draw(DVASPECT_CONTENT, -1, nullptr, nullptr, nullptr, dc, &bounds, nullptr, nullptr, 0));
-  bool changed = false;
-  for (int y = 0; y < 38 && !changed; ++y)
-    for (int x = 0; x < 38 && !changed; ++x) changed = (GetPixel(dc, x, y) & 0xFFFFFF) != 0xFFFFFF;
+  RECT painted = {};
+  for (int y = 0; y < kCanvas; ++y)
+    for (int x = 0; x < kCanvas; ++x)
+      if ((GetPixel(dc, x, y) & 0xFFFFFF) != 0xFFFFFF) {
+        const RECT pixel = {x, y, x + 1, y + 1};
+        UnionRect(&painted, &painted, &pixel);
+      }
   SelectObject(dc, old);
   DeleteObject(bitmap);
   DeleteDC(dc);
-  return changed;
+  return painted;
 }
 
-TEST_F(BehaviourTest, DrawsItsPictureAtDesignTimeOnly) {
+TEST_F(BehaviourTest, DrawsItsSquareAtDesignTimeOnly) {
   ComPtr<IDispatch> control = NewControl();
   Owned<TestSite> site;
   ASSERT_EQ(S_OK, As<IOleObject>(control.Get())->SetClientSite(site.As<IOleClientSite>()));
   ComPtr<IViewObject> view = As<IViewObject>(control.Get());
   site->userMode = false;
-  EXPECT_TRUE(DrawsSomething(view.Get()));
+  EXPECT_EQ(Edges({0, 0, SquareSide(), SquareSide()}), Edges(PaintedArea(view.Get())));
   site->userMode = true;
-  EXPECT_FALSE(DrawsSomething(view.Get()));
+  const RECT painted = PaintedArea(view.Get());
+  EXPECT_TRUE(IsRectEmpty(&painted));
   As<IOleObject>(control.Get())->SetClientSite(nullptr);
 }
 

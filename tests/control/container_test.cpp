@@ -74,9 +74,22 @@ TEST_F(AtlHost, CreatesTheControlWithItsInitialValues) {
   EXPECT_EQ(1000, interval);
 }
 
-TEST_F(AtlHost, TheControlKeepsItsFixedExtent) {
+// The host window's resize reaches the control as SetExtent and SetObjectRects.
+TEST_F(AtlHost, TheControlKeepsItsSquareWhenTheHostIsResized) {
+  ASSERT_TRUE(MoveWindow(host_, 10, 10, 300, 50, TRUE));
   ComPtr<IOleObject> ole;
   ASSERT_EQ(S_OK, control_->QueryInterface(IID_IOleObject, ole.OutVoid()));
+  ComPtr<IOleWindow> inPlace;
+  ASSERT_EQ(S_OK, control_->QueryInterface(IID_IOleWindow, inPlace.OutVoid()));
+  HWND window = nullptr;
+  ASSERT_EQ(S_OK, inPlace->GetWindow(&window));
+  RECT client = {};
+  GetClientRect(window, &client);
+  const HDC screen = GetDC(nullptr);
+  const int side = MulDiv(570, GetDeviceCaps(screen, LOGPIXELSX), 1440);
+  ReleaseDC(nullptr, screen);
+  EXPECT_EQ(side, client.right);
+  EXPECT_EQ(side, client.bottom);
   SIZEL size = {};
   ASSERT_EQ(S_OK, ole->GetExtent(DVASPECT_CONTENT, &size));
   EXPECT_EQ(1005, size.cx);

@@ -148,7 +148,7 @@ std::wstring ToolTipText(HWND form, int id) {
 }
 
 OnlineWithBrowser::OnlineWithBrowser(RecordingPlatform& platform)
-    : server_(LocalHttpServer::Behaviour::Answer, kProbeAnswer), settings_(server_.Url(), L"Brevantis online") {
+    : server_(LocalHttpServer::Behaviour::Answer, kProbeAnswer), settings_(server_.Url()) {
   platform.connected = true;
   platform.executable = L"C:\\B\\b.exe";
   CurrentStore()[kWinTempDir].text = temp_.Path();

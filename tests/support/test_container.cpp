@@ -11,6 +11,8 @@ const InterfaceEntry kBagInterfaces[] = {BREVANTIS_INTERFACE(TestPropertyBag, IP
 const InterfaceEntry kSiteInterfaces[] = {
     BREVANTIS_INTERFACE(TestSite, IOleClientSite),
     BREVANTIS_INTERFACE(TestSite, IDispatch),
+    BREVANTIS_INTERFACE(TestSite, IOleInPlaceSite),
+    BREVANTIS_INTERFACE_AS(TestSite, IOleWindow, IOleInPlaceSite),
     BREVANTIS_INTERFACE_END,
 };
 const InterfaceEntry kPlainSiteInterfaces[] = {BREVANTIS_INTERFACE(SiteWithoutAmbient, IOleClientSite),
@@ -80,6 +82,14 @@ STDMETHODIMP TestSite::Invoke(DISPID id, REFIID, LCID, WORD, DISPPARAMS*, VARIAN
   if (id != DISPID_AMBIENT_USERMODE || !result) return DISP_E_MEMBERNOTFOUND;
   V_VT(result) = VT_BOOL;
   V_BOOL(result) = userMode ? VARIANT_TRUE : VARIANT_FALSE;
+  return S_OK;
+}
+
+STDMETHODIMP TestSite::GetWindowContext(IOleInPlaceFrame** frame, IOleInPlaceUIWindow** document, LPRECT pos,
+                                        LPRECT clip, LPOLEINPLACEFRAMEINFO) {
+  *frame = nullptr;
+  *document = nullptr;
+  *pos = *clip = position;
   return S_OK;
 }
 

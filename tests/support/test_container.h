@@ -48,17 +48,39 @@ class SiteWithoutAmbient : public ComClassBase, public IOleClientSite {
   STDMETHODIMP RequestNewObjectLayout() override { return E_NOTIMPL; }
 };
 
-// A client site whose ambient user mode the test sets.
-class TestSite : public SiteWithoutAmbient, public IDispatch {
+// A client site whose ambient user mode the test sets; in place, it hosts the
+// control in window at position, which follows OnPosRectChange.
+class TestSite : public SiteWithoutAmbient, public IDispatch, public IOleInPlaceSite {
  public:
   static const InterfaceEntry* Interfaces();
 
   bool userMode = true;
+  HWND window = nullptr;
+  RECT position = {};
+  std::function<void()> onPosRectChange;  // may answer the control, as a container does
 
   STDMETHODIMP GetTypeInfoCount(UINT* count) override { *count = 0; return S_OK; }
   STDMETHODIMP GetTypeInfo(UINT, LCID, ITypeInfo**) override { return E_NOTIMPL; }
   STDMETHODIMP GetIDsOfNames(REFIID, LPOLESTR*, UINT, LCID, DISPID*) override { return E_NOTIMPL; }
   STDMETHODIMP Invoke(DISPID id, REFIID, LCID, WORD, DISPPARAMS*, VARIANT* result, EXCEPINFO*, UINT*) override;
+
+  STDMETHODIMP GetWindow(HWND* hwnd) override { *hwnd = window; return S_OK; }
+  STDMETHODIMP ContextSensitiveHelp(BOOL) override { return E_NOTIMPL; }
+  STDMETHODIMP CanInPlaceActivate() override { return S_OK; }
+  STDMETHODIMP OnInPlaceActivate() override { return S_OK; }
+  STDMETHODIMP OnUIActivate() override { return S_OK; }
+  STDMETHODIMP GetWindowContext(IOleInPlaceFrame** frame, IOleInPlaceUIWindow** document, LPRECT pos, LPRECT clip,
+                                LPOLEINPLACEFRAMEINFO) override;
+  STDMETHODIMP Scroll(SIZE) override { return E_NOTIMPL; }
+  STDMETHODIMP OnUIDeactivate(BOOL) override { return S_OK; }
+  STDMETHODIMP OnInPlaceDeactivate() override { return S_OK; }
+  STDMETHODIMP DiscardUndoState() override { return S_OK; }
+  STDMETHODIMP DeactivateAndUndo() override { return E_NOTIMPL; }
+  STDMETHODIMP OnPosRectChange(LPCRECT rect) override {
+    position = *rect;
+    if (onPosRectChange) onPosRectChange();
+    return S_OK;
+  }
 };
 
 // Records IPropertyNotifySink::OnChanged calls.

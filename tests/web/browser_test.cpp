@@ -116,7 +116,7 @@ TEST_F(Browser, AProbeFileThatCannotBeDeletedIsAnAccessError) {
 class OpeningAddresses : public Browser {
  protected:
   LocalHttpServer server_{LocalHttpServer::Behaviour::Answer, "Brevantis online"};
-  ProbeSettings settings_{server_.Url(), L"Brevantis online"};
+  ProbeSettings settings_{server_.Url()};
 };
 
 TEST_F(OpeningAddresses, TheCommandLineIsThePathASpaceAndTheAddress) {

@@ -51,7 +51,7 @@ class ControlWeb : public ::testing::Test {
 
   ScratchFolder temp_;
   LocalHttpServer server_{LocalHttpServer::Behaviour::Answer, "Brevantis online"};
-  ProbeSettings settings_{server_.Url(), L"Brevantis online"};
+  ProbeSettings settings_{server_.Url()};
   ComPtr<_Brevantis> control_;
   Owned<ErrorEventSink> sink_;
 };
@@ -148,7 +148,7 @@ TEST(AtlHostedControl, Error200ReachesTheSinkTheHostAdvised) {
       DWORD cookie = 0;
       ASSERT_EQ(S_OK, advise(control.Get(), sink.As<IUnknown>(), &DIID___Brevantis, &cookie));
       LocalHttpServer server(LocalHttpServer::Behaviour::Answer, "Brevantis online");
-      ProbeSettings settings(server.Url(), L"Brevantis online");
+      ProbeSettings settings(server.Url());
       ComPtr<IDispatch> dispatch;
       ASSERT_EQ(S_OK, control->QueryInterface(IID_IDispatch, dispatch.OutVoid()));
       ASSERT_EQ(S_OK, DispatchClient(dispatch.Get()).Call(L"WebConnect", DISPATCH_METHOD, nullptr, 0, nullptr));

@@ -10,7 +10,6 @@ namespace {
 
 constexpr int kPollMs = 50;
 constexpr int kLifetimeMs = 30000;  // a server never outlives this, whatever its test does
-constexpr size_t kPaddingBytes = 8 << 20;
 
 struct Winsock {
   Winsock() {
@@ -112,8 +111,9 @@ void LocalHttpServer::Answer(SOCKET client) {
   const bool elsewhere = request.compare(0, 15, "GET /elsewhere ") == 0;
   if (behaviour_ == Behaviour::Redirect && !elsewhere)
     SendAll(client, Response("302 Found", "Location: /elsewhere\r\n", std::string()));
-  else if (behaviour_ == Behaviour::Huge)
-    SendAll(client, Response("200 OK", std::string(), body_ + std::string(kPaddingBytes, 'x')));
+  else if (behaviour_ == Behaviour::ProxyLogin)
+    SendAll(client, Response("407 Proxy Authentication Required", "Proxy-Authenticate: Basic realm=\"office\"\r\n",
+                             body_));
   else
     SendAll(client, Response("200 OK", std::string(), body_));
 }

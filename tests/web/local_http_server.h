@@ -15,8 +15,8 @@ class LocalHttpServer {
   enum class Behaviour {
     Answer,    // 200 with the body
     Silent,    // accepts, reads the request, never answers
-    Redirect,  // 302 to /elsewhere, which answers 200 with the body
-    Huge,      // 200 with the body followed by megabytes of padding
+    Redirect,    // 302 to /elsewhere, which answers 200 with the body
+    ProxyLogin,  // 407: a proxy that wants credentials
   };
 
   explicit LocalHttpServer(Behaviour behaviour, std::string body = std::string());

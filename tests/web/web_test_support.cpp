@@ -31,13 +31,9 @@ HtmAssociation::~HtmAssociation() {
   RegSetValueW(HKEY_CLASSES_ROOT, L"htmlfile\\shell\\open\\command", REG_SZ, oldCommand_.c_str(), 0);
 }
 
-ProbeSettings::ProbeSettings(const std::wstring& url, const std::wstring& expectedText) {
-  const auto set = [](const wchar_t* name, const std::wstring& value) {
-    RegSetKeyValueW(HKEY_CURRENT_USER, kProbeSettingsKey, name, REG_SZ, value.c_str(),
-                    static_cast<DWORD>((value.size() + 1) * sizeof(wchar_t)));
-  };
-  set(kProbeUrlValue, url);
-  set(kProbeExpectedTextValue, expectedText);
+ProbeSettings::ProbeSettings(const std::wstring& url) {
+  RegSetKeyValueW(HKEY_CURRENT_USER, kProbeSettingsKey, kProbeUrlValue, REG_SZ, url.c_str(),
+                  static_cast<DWORD>((url.size() + 1) * sizeof(wchar_t)));
 }
 
 ProbeSettings::~ProbeSettings() { RegDeleteTreeW(HKEY_CURRENT_USER, kProbeSettingsKey); }

@@ -40,7 +40,7 @@ class HtmAssociation {
 // Points the reachability probe at url for the life of the scope.
 class ProbeSettings {
  public:
-  ProbeSettings(const std::wstring& url, const std::wstring& expectedText);
+  explicit ProbeSettings(const std::wstring& url);
   ~ProbeSettings();
   ProbeSettings(const ProbeSettings&) = delete;
   ProbeSettings& operator=(const ProbeSettings&) = delete;
