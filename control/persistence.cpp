@@ -158,7 +158,8 @@ HRESULT MemoryBag::Encode(std::string* out) const {
     values.push_back(std::move(coded));
   }
   *out = EncodeProperties(values);
-  return S_OK;
+  // Never save what the loader would refuse.
+  return out->size() - kCodecHeaderSize <= kCodecMaxBodyBytes ? S_OK : E_OUTOFMEMORY;
 }
 
 HRESULT MemoryBag::Decode(const std::vector<CodedValue>& values) {

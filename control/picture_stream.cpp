@@ -2,7 +2,10 @@
 
 #include <olectl.h>
 
+#include <cstdint>
+
 #include "com/raii.h"
+#include "control/property_codec.h"
 
 namespace brevantis {
 namespace {
@@ -22,8 +25,12 @@ HRESULT BitmapFile(HBITMAP bitmap, std::string* file) {
   header.biPlanes = 1;
   header.biBitCount = 24;
   header.biCompression = BI_RGB;
-  const DWORD stride = ((info.bmWidth * 3 + 3) & ~3u);
-  header.biSizeImage = stride * info.bmHeight;
+  // No bitmap larger than a saved form may hold; counted in 64 bits, where
+  // width and height cannot overflow.
+  const std::uint64_t stride = (static_cast<std::uint64_t>(info.bmWidth) * 3 + 3) & ~std::uint64_t(3);
+  const std::uint64_t size = stride * static_cast<std::uint64_t>(info.bmHeight);
+  if (size > kCodecMaxBodyBytes) return E_OUTOFMEMORY;
+  header.biSizeImage = static_cast<DWORD>(size);
   std::string pixels(header.biSizeImage, '\0');
   const HDC screen = GetDC(nullptr);
   const int lines = GetDIBits(screen, bitmap, 0, info.bmHeight, &pixels[0], reinterpret_cast<BITMAPINFO*>(&header),

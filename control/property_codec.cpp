@@ -86,13 +86,14 @@ bool DecodeHeader(const unsigned char* data, std::size_t size, std::uint32_t* bo
   if (size < kCodecHeaderSize || std::memcmp(data, kMagic, sizeof(kMagic)) != 0) return false;
   Reader reader(data + sizeof(kMagic), size - sizeof(kMagic));
   std::uint16_t version = 0;
-  return reader.U16(&version) && version == kCodecFormatVersion && reader.U32(bodyLength);
+  return reader.U16(&version) && version == kCodecFormatVersion && reader.U32(bodyLength) &&
+         *bodyLength <= kCodecMaxBodyBytes;
 }
 
 bool DecodeBody(const unsigned char* data, std::size_t size, std::vector<CodedValue>* values) {
   Reader reader(data, size);
   std::uint32_t count = 0;
-  if (!reader.U32(&count)) return false;
+  if (!reader.U32(&count) || count > kCodecMaxRecords) return false;
   std::vector<CodedValue> decoded;
   for (std::uint32_t i = 0; i < count; ++i) {
     CodedValue value;

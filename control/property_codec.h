@@ -8,7 +8,9 @@
 //           value type (u8), value length in bytes (u32), value bytes
 //
 // All numbers little-endian. A reader trusts no length: each is checked
-// against what is left before anything is read or allocated.
+// against what is left before anything is read or allocated. A body holds at
+// most kCodecMaxBodyBytes and kCodecMaxRecords records, so that a saved form
+// from elsewhere costs a bounded amount of memory to read.
 #pragma once
 
 #include <cstddef>
@@ -33,11 +35,14 @@ struct CodedValue {
 
 constexpr std::size_t kCodecHeaderSize = 10;
 constexpr std::uint16_t kCodecFormatVersion = 1;
+constexpr std::uint32_t kCodecMaxBodyBytes = 32u << 20;
+constexpr std::uint32_t kCodecMaxRecords = 1024;
 
 // The whole encoding: header and body.
 std::string EncodeProperties(const std::vector<CodedValue>& values);
 
-// Reads a header; false when it is not ours or of an unknown version.
+// Reads a header; false when it is not ours, of an unknown version or names
+// a body over the limit.
 bool DecodeHeader(const unsigned char* data, std::size_t size, std::uint32_t* bodyLength);
 
 // Reads a body of exactly size bytes; false when it is malformed.

@@ -72,6 +72,22 @@ TEST(CodecTest, MalformedStreamsAreRejected) {
   }
 }
 
+// A form from elsewhere costs bounded memory to read: the most records and
+// the longest body decode, one more of either does not.
+TEST(CodecTest, TheLimitsAreTheLastLengthsThatDecode) {
+  const CodedValue tiny{u"A", CodecType::Long, std::string(4, '\0')};
+  std::vector<CodedValue> values(kCodecMaxRecords, tiny);
+  std::size_t streamSize = 0;
+  EXPECT_TRUE(Decode(EncodeProperties(values), &values, &streamSize));
+  values.assign(kCodecMaxRecords + 1, tiny);
+  EXPECT_FALSE(Decode(EncodeProperties(values), &values, &streamSize));
+  // Count, then name length, one unit, type and value length: 13 bytes.
+  values.assign(1, CodedValue{u"A", CodecType::Picture, std::string(kCodecMaxBodyBytes - 13, 'p')});
+  EXPECT_TRUE(Decode(EncodeProperties(values), &values, &streamSize));
+  values[0].bytes.push_back('p');
+  EXPECT_FALSE(Decode(EncodeProperties(values), &values, &streamSize));
+}
+
 // Every cut of a valid stream fails: a plain cut leaves the body short of its
 // length, and a cut whose header is made to agree leaves records short of
 // their count.

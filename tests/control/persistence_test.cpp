@@ -253,6 +253,24 @@ HRESULT LoadBytes(IPersistStreamInit* persist, const std::string& bytes) {
   return persist->Load(stream.Get());
 }
 
+// A form no load would read again is not saved: neither a bitmap over the
+// limit nor pictures that fit one by one but not together (at 24 bits,
+// 3,400 squared is 35 MB, 2,900 squared 25 MB).
+TEST_F(PersistenceTest, AFormTooLargeToLoadAgainIsNotSaved) {
+  ComPtr<IDispatch> control = NewControl();
+  Reset(control.Get());
+  ComPtr<_Brevantis> typed = As<_Brevantis>(control.Get());
+  ComPtr<IPersistStreamInit> persist = As<IPersistStreamInit>(control.Get());
+  ComPtr<IStream> stream;
+  ASSERT_EQ(S_OK, CreateStreamOnHGlobal(nullptr, TRUE, stream.Out()));
+  ASSERT_EQ(S_OK, typed->putref_ProgramPicture(NewBitmapPicture(3400, 3400).Get()));
+  EXPECT_EQ(E_OUTOFMEMORY, persist->Save(stream.Get(), TRUE));
+  ASSERT_EQ(S_OK, typed->putref_ProgramPicture(NewBitmapPicture(2900, 2900).Get()));
+  EXPECT_EQ(S_OK, persist->Save(stream.Get(), TRUE));
+  ASSERT_EQ(S_OK, typed->putref_ProgramIcon(NewBitmapPicture(2900, 2900).Get()));
+  EXPECT_EQ(E_OUTOFMEMORY, persist->Save(stream.Get(), TRUE));
+}
+
 TEST_F(PersistenceTest, TruncatedAndCorruptStreamsFailCleanly) {
   ComPtr<IDispatch> control = NewControl();
   Reset(control.Get());
