@@ -29,12 +29,21 @@ HRESULT CryptoFilterBox::Create(REFIID iid, void** out) {
 }
 
 STDMETHODIMP CryptoFilterBox::get_InBuffer(BSTR* value) { return Guarded([&] { return ToBstr(inBuffer_, value); }); }
-STDMETHODIMP CryptoFilterBox::put_InBuffer(BSTR value) { return Guarded([&] { inBuffer_ = FromBstr(value); return S_OK; }); }
+STDMETHODIMP CryptoFilterBox::put_InBuffer(BSTR value) {
+  return Guarded([&] { Wipe(&inBuffer_); inBuffer_ = FromBstr(value); return S_OK; });
+}
 STDMETHODIMP CryptoFilterBox::get_OutBuffer(BSTR* value) { return Guarded([&] { return ToBstr(outBuffer_, value); }); }
 STDMETHODIMP CryptoFilterBox::get_Signature(BSTR* value) { return Guarded([&] { return ToBstr(signature_, value); }); }
 STDMETHODIMP CryptoFilterBox::put_Signature(BSTR value) { return Guarded([&] { signature_ = FromBstr(value); return S_OK; }); }
 STDMETHODIMP CryptoFilterBox::get_Password(BSTR* value) { return Guarded([&] { return ToBstr(password_, value); }); }
-STDMETHODIMP CryptoFilterBox::put_Password(BSTR value) { return Guarded([&] { password_ = FromBstr(value); return S_OK; }); }
+STDMETHODIMP CryptoFilterBox::put_Password(BSTR value) {
+  return Guarded([&] { Wipe(&password_); password_ = FromBstr(value); return S_OK; });
+}
+
+CryptoFilterBox::~CryptoFilterBox() {
+  for (std::wstring* text : {&inBuffer_, &outBuffer_, &password_}) Wipe(text);
+  Wipe(&spareCipherBytes_);
+}
 
 STDMETHODIMP CryptoFilterBox::get_Status(LONG* value) {
   if (!value) return E_POINTER;
@@ -129,12 +138,16 @@ bool CryptoFilterBox::SignatureConfirmed() {
 
 namespace {
 
-// Lends an object's spare cipher buffer to one call and takes it back after.
-// A call nested in a message box of the first finds none and makes its own.
+// Lends an object's spare cipher buffer to one call and takes it back after,
+// wiped of the plain text it held. A call nested in a message box of the
+// first finds none and makes its own.
 class LentBuffer {
  public:
   explicit LentBuffer(std::string* spare) : spare_(spare), bytes_(std::move(*spare)) {}
-  ~LentBuffer() { *spare_ = std::move(bytes_); }
+  ~LentBuffer() {
+    Wipe(&bytes_);
+    *spare_ = std::move(bytes_);
+  }
   LentBuffer(const LentBuffer&) = delete;
   LentBuffer& operator=(const LentBuffer&) = delete;
   std::string& Bytes() { return bytes_; }
@@ -164,6 +177,7 @@ void CryptoFilterBox::EncryptInBuffer() {
   // Set after a failed call too: callers have always found the buffer there.
   // Only the bytes kept are converted back (in a single-byte code page each
   // is one character), into OutBuffer's own storage when it is big enough.
+  Wipe(&outBuffer_);
   AssignFromAnsi(working.data(), std::min<size_t>(length, working.size()), &outBuffer_);
 }
 
@@ -188,6 +202,7 @@ void CryptoFilterBox::DecryptInBuffer() {
     ShowCryptoApiError(error, L" during CryptDecrypt!");
     return;
   }
+  Wipe(&outBuffer_);  // the last plain text, where the new one is shorter
   AssignFromAnsi(working.data(), n, &outBuffer_);
 }
 

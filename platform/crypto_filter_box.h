@@ -22,6 +22,8 @@ class CryptoFilterBox : public ComClassBase,
   static HRESULT Create(REFIID iid, void** out);
   // Runs InitUser and tells the user how it went; creation goes on either way.
   HRESULT FinalConstruct();
+  // Wipes the password and the texts.
+  ~CryptoFilterBox();
 
   STDMETHODIMP get_InBuffer(BSTR* value) override;
   STDMETHODIMP put_InBuffer(BSTR value) override;

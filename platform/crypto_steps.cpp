@@ -28,6 +28,7 @@ bool OpenMd5Of(const std::wstring& text, CryptContext* context, CryptHash* hash)
   }
   hash->Reset(handle);
   std::string bytes = ToAnsi(text);
+  const WipeOnExit<std::string> wipe(&bytes);  // a password, or text to sign
   if (!CryptHashData(hash->Get(), Bytes(bytes), ByteCount(text.size()), 0)) {
     ShowCryptoApiError(GetLastError(), L" during CryptHashData!");
     return false;

@@ -29,6 +29,29 @@ void MakeCipherWorkingBytes(const std::wstring& inBuffer, std::string* bytes);
 
 inline BYTE* Bytes(std::string& bytes) { return reinterpret_cast<BYTE*>(&bytes[0]); }
 
+// Zeroes a text's whole buffer, not only its characters, and leaves it empty
+// with the buffer kept: no password or plain text stays behind in memory
+// that is freed or reused.
+template <class Text>
+void Wipe(Text* text) {
+  text->resize(text->capacity());
+  SecureZeroMemory(&(*text)[0], text->size() * sizeof((*text)[0]));
+  text->clear();
+}
+
+// Wipes what it names when the scope ends, however it ends.
+template <class Text>
+class WipeOnExit {
+ public:
+  explicit WipeOnExit(Text* text) : text_(text) {}
+  ~WipeOnExit() { Wipe(text_); }
+  WipeOnExit(const WipeOnExit&) = delete;
+  WipeOnExit& operator=(const WipeOnExit&) = delete;
+
+ private:
+  Text* text_;
+};
+
 // A character count as the DWORD byte count CryptoAPI takes.
 DWORD ByteCount(size_t characters);
 

@@ -2,9 +2,11 @@
 #include "crypto_box_fixture.h"
 
 #include <wincrypt.h>
+#include <algorithm>
 #include <functional>
 
 #include "platform/crypto_messages.h"
+#include "platform/crypto_steps.h"
 #include "process_counters.h"
 
 using namespace brevantis;
@@ -74,6 +76,20 @@ TEST_F(CryptoBoxTest, SixteenMebibytesGoThroughEveryMethod) {
 
 // An unexpected failure inside a method: its own tag and the description,
 // then the method goes on to its end.
+// A wiped text leaves zeros in its whole buffer, past its last length too,
+// and keeps the buffer for reuse.
+TEST(WipeTest, ZeroesTheWholeBuffer) {
+  std::wstring text(40, L's');
+  text.resize(3);
+  const wchar_t* const buffer = text.data();
+  const size_t capacity = text.capacity();
+  Wipe(&text);
+  EXPECT_TRUE(text.empty());
+  ASSERT_EQ(buffer, text.data());
+  ASSERT_EQ(capacity, text.capacity());
+  EXPECT_TRUE(std::all_of(buffer, buffer + capacity, [](wchar_t c) { return c == 0; }));
+}
+
 TEST_F(CryptoBoxTest, UnexpectedFailuresShowTheProcedureTagAndADescription) {
   EXPECT_FALSE(RunUnderHandler(L"ErrEncrypt ", [] { throw std::bad_alloc(); }));
   EXPECT_FALSE(RunUnderHandler(L"ErrValidate ", [] { std::wstring().at(1); }));
