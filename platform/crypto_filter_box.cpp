@@ -138,16 +138,12 @@ bool CryptoFilterBox::SignatureConfirmed() {
 
 namespace {
 
-// Lends an object's spare cipher buffer to one call and takes it back after,
-// wiped of the plain text it held. A call nested in a message box of the
-// first finds none and makes its own.
+// Lends an object's spare cipher buffer to one call and takes it back after.
+// A call nested in a message box of the first finds none and makes its own.
 class LentBuffer {
  public:
   explicit LentBuffer(std::string* spare) : spare_(spare), bytes_(std::move(*spare)) {}
-  ~LentBuffer() {
-    Wipe(&bytes_);
-    *spare_ = std::move(bytes_);
-  }
+  ~LentBuffer() { *spare_ = std::move(bytes_); }
   LentBuffer(const LentBuffer&) = delete;
   LentBuffer& operator=(const LentBuffer&) = delete;
   std::string& Bytes() { return bytes_; }
@@ -177,8 +173,10 @@ void CryptoFilterBox::EncryptInBuffer() {
   // Set after a failed call too: callers have always found the buffer there.
   // Only the bytes kept are converted back (in a single-byte code page each
   // is one character), into OutBuffer's own storage when it is big enough.
-  Wipe(&outBuffer_);
   AssignFromAnsi(working.data(), std::min<size_t>(length, working.size()), &outBuffer_);
+  WipeTail(&outBuffer_);  // the plain text of a longer Decrypt before
+  // The cipher wrote over the plain text; a failed call left it there.
+  if (!encrypted) SecureZeroMemory(&working[0], working.size());
 }
 
 void CryptoFilterBox::DecryptInBuffer() {
@@ -202,8 +200,9 @@ void CryptoFilterBox::DecryptInBuffer() {
     ShowCryptoApiError(error, L" during CryptDecrypt!");
     return;
   }
-  Wipe(&outBuffer_);  // the last plain text, where the new one is shorter
   AssignFromAnsi(working.data(), n, &outBuffer_);
+  WipeTail(&outBuffer_);
+  SecureZeroMemory(&working[0], n);  // the spare buffer keeps no plain text
 }
 
 }  // namespace brevantis

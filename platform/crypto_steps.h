@@ -29,13 +29,21 @@ void MakeCipherWorkingBytes(const std::wstring& inBuffer, std::string* bytes);
 
 inline BYTE* Bytes(std::string& bytes) { return reinterpret_cast<BYTE*>(&bytes[0]); }
 
-// Zeroes a text's whole buffer, not only its characters, and leaves it empty
-// with the buffer kept: no password or plain text stays behind in memory
-// that is freed or reused.
+// Zeroes what a text's buffer holds past its characters: what a longer text
+// before it left there. Growing to the capacity writes the zeros.
+template <class Text>
+void WipeTail(Text* text) {
+  const size_t size = text->size();
+  text->resize(text->capacity());
+  text->resize(size);
+}
+
+// Zeroes a text's whole buffer and leaves it empty, the buffer kept: no
+// password or plain text stays behind in memory that is freed or reused.
 template <class Text>
 void Wipe(Text* text) {
-  text->resize(text->capacity());
   SecureZeroMemory(&(*text)[0], text->size() * sizeof((*text)[0]));
+  WipeTail(text);
   text->clear();
 }
 
