@@ -39,10 +39,13 @@ i386_mask='\xff\xff\xff\xff\xff\xfe\xfe\x00\xff\xff\xff\xff\xff\xff\xff\xff\xfe\
 write_as_root() { printf '%s\n' "$2" | "${sudo_cmd[@]}" tee "$1" >/dev/null; }
 loader32_starts() { "$loader32" --version >/dev/null 2>&1; }
 
-# Asked with any i386 handler switched off: it would answer for the CPU.
+handler_enabled() { [[ -f "$handler" ]] && grep -qx enabled "$handler"; }
+
+# Asked with the i386 handler switched off for the moment: it would answer
+# for the processor.
 runs_32bit_natively() {
   local rc=0
-  if [[ -f "$handler" ]] && grep -qx enabled "$handler"; then
+  if handler_enabled; then
     write_as_root "$handler" 0
     loader32_starts || rc=$?
     write_as_root "$handler" 1
@@ -107,7 +110,13 @@ decide_32bit() {
   no32_reason=
   if [[ "${BREVANTIS_FORCE_EMULATION:-}" != 1 ]] && runs_32bit_natively; then
     run32=native
-    echo "This machine runs 32-bit x86 code natively."
+    if handler_enabled; then
+      # Someone else's choice for the machine: left as it is, but timed as what it is.
+      run32=emulated
+      echo "This machine runs 32-bit x86 code natively, but the i386 handler in binfmt_misc starts 32-bit programs through $(sed -n 's/^interpreter //p' "$handler"); left as it is."
+    else
+      echo "This machine runs 32-bit x86 code natively."
+    fi
   elif setup_emulation; then
     run32=emulated
     local why="This machine cannot run 32-bit x86 code natively"
