@@ -6,6 +6,7 @@
 #   installer_test.sh WINE_RUN PRISTINE_PREFIX PREFIX PACKAGE OLDER_PACKAGE VERSION ROWS
 # ROWS is the registration's list of values (registration_rows.tsv).
 set -euo pipefail
+if [[ ! -f $4 ]]; then echo "No package $4: its build did not make one"; exit 77; fi
 run=$1 pristine=$2 prefix=$3 package=$4 older=$5 version=$6 rows=$7
 here=$(cd "$(dirname "$0")" && pwd)
 export BREVANTIS_WINEPREFIX=$prefix
@@ -30,20 +31,28 @@ snapshot() {
     "$run" reg export "$hive" "$(win "$work/$hive.reg")" /y >/dev/null
     iconv -f UTF-16LE -t UTF-8 "$work/$hive.reg" | tr -d '\r' | grep -iF -f "$work/ours" || true
   done > "$work/$1.reg"
-  (cd "$prefix/drive_c/windows" && find system32 syswow64 -maxdepth 1 2>/dev/null | sort) > "$work/$1.files"
+  (cd "$prefix/drive_c/windows" && find system32 $([[ -d syswow64 ]] && echo syswow64) -maxdepth 1 | sort) \
+    > "$work/$1.files"
 }
 msiexec() { "$run" msiexec "$@" /qn; }
+# A 32-bit package on 64-bit Windows serves 32-bit hosts: its files go to
+# SysWOW64, its keys to the 32-bit registry view, and a 32-bit script host
+# must find the control.
+system_folder=system32 cscript=cscript view=()
+if [[ $package == *x86* && -d $prefix/drive_c/windows/syswow64 ]]; then
+  system_folder=syswow64 cscript='C:\windows\syswow64\cscript.exe' view=(/reg:32)
+fi
 created_by_progid() {
-  "$run" cscript //nologo "$(win "$here/create_by_progid.vbs")" | grep -q '^created Ostrel Edizioni'
+  "$run" "$cscript" //nologo "$(win "$here/create_by_progid.vbs")" | grep -q '^created Ostrel Edizioni'
 }
 # The versions of ours that Add/Remove Programs lists.
 installed_versions() {
-  "$run" reg export 'HKLM\Software\Microsoft\Windows\CurrentVersion\Uninstall' "$(win "$work/arp.reg")" /y >/dev/null
+  "$run" reg export 'HKLM\Software\Microsoft\Windows\CurrentVersion\Uninstall' "$(win "$work/arp.reg")" /y "${view[@]}" >/dev/null
   iconv -f UTF-16LE -t UTF-8 "$work/arp.reg" | tr -d '\r' |
     awk 'BEGIN { RS = "" } /"DisplayName"="Brevantis ActiveX Control"/ {
            match($0, /"DisplayVersion"="[^"]*"/); print substr($0, RSTART + 18, RLENGTH - 19) }'
 }
-installed_ocx=$prefix/drive_c/windows/$([[ $package == *x86* && -d $prefix/drive_c/windows/syswow64 ]] && echo syswow64 || echo system32)/Brevantis.ocx
+installed_ocx=$prefix/drive_c/windows/$system_folder/Brevantis.ocx
 
 snapshot before
 check "older package installs" msiexec /i "$(win "$older")"
@@ -53,7 +62,7 @@ check "the control lies in the system folder of its bitness" cmp -s "$installed_
 check "the control is created by ProgID" created_by_progid
 
 rm -f "$installed_ocx"
-"$run" reg delete 'HKCR\BrevantisLib.Brevantis' /f >/dev/null
+"$run" reg delete 'HKCR\BrevantisLib.Brevantis' /f "${view[@]}" >/dev/null
 # What msiexec /famus asks for, spelled as properties: Wine's msiexec
 # refuses /f with a package path.
 check "repair succeeds" msiexec /i "$(win "$package")" REINSTALL=ALL REINSTALLMODE=amus
