@@ -71,6 +71,19 @@ class ClassesRoot {
   bool perUser_;
 };
 
+// Writes rows under a classes root until the first failure.
+class RegistryWriter : public RegistryRowSink {
+ public:
+  explicit RegistryWriter(const ClassesRoot& root) : root_(root) {}
+  void Row(const std::wstring& key, const wchar_t* name, const std::wstring& value) const override {
+    if (rc == ERROR_SUCCESS) rc = root_.Set(key, name, value);
+  }
+  mutable LONG rc = ERROR_SUCCESS;
+
+ private:
+  const ClassesRoot& root_;
+};
+
 struct TypeLibInfo {
   ComPtr<ITypeLib> lib;
   GUID libid;
@@ -94,16 +107,12 @@ HRESULT ReadTypeLibInfo(TypeLibInfo* info) {
   return S_OK;
 }
 
-LONG RegisterClass(const ClassesRoot& root, const ServerClass& c, const TypeLibInfo& lib, const std::wstring& path) {
+void ClassRows(const ServerClass& c, const TypeLibInfo& lib, const std::wstring& path, const RegistryRowSink& set) {
   const std::wstring clsidKey = L"CLSID\\" + GuidText(*c.clsid);
   const std::wstring progId = c.progId;
   const std::wstring versionedProgId = progId + L"." + DecimalText(lib.major);
   const std::wstring version = DecimalText(lib.major) + L"." + DecimalText(lib.minor);
 
-  LONG rc = ERROR_SUCCESS;
-  auto set = [&](const std::wstring& key, const wchar_t* name, const std::wstring& value) {
-    if (rc == ERROR_SUCCESS) rc = root.Set(key, name, value);
-  };
   set(clsidKey, nullptr, c.description);
   set(clsidKey + L"\\InprocServer32", nullptr, path);
   set(clsidKey + L"\\InprocServer32", L"ThreadingModel", L"Apartment");
@@ -123,7 +132,6 @@ LONG RegisterClass(const ClassesRoot& root, const ServerClass& c, const TypeLibI
   set(progId + L"\\CurVer", nullptr, versionedProgId);
   set(versionedProgId, nullptr, c.description);
   set(versionedProgId + L"\\CLSID", nullptr, GuidText(*c.clsid));
-  return rc;
 }
 
 LONG UnregisterClass(const ClassesRoot& root, const ServerClass& c, const TypeLibInfo& lib) {
@@ -139,9 +147,9 @@ LONG UnregisterClass(const ClassesRoot& root, const ServerClass& c, const TypeLi
 constexpr wchar_t kAutomationMarshaler[] = L"{00020424-0000-0000-C000-000000000046}";
 
 // The keys the system writes for a type library and its automation
-// interfaces, written here under the user's own classes: the system's
+// interfaces, written here under the user's own classes (the system's
 // per-user call is missing before Windows Vista SP1 and elsewhere writes
-// under the machine's keys.
+// under the machine's keys) and listed for installers.
 class UserTypeLib {
  public:
   UserTypeLib(const ClassesRoot& root, const TypeLibInfo& lib) : root_(root), lib_(lib) {}
@@ -149,7 +157,7 @@ class UserTypeLib {
   std::wstring LibKey() const { return L"TypeLib\\" + GuidText(lib_.libid); }
   std::wstring VersionText() const { return DecimalText(lib_.major) + L"." + DecimalText(lib_.minor); }
 
-  LONG Register(const std::wstring& path) const {
+  void Rows(const std::wstring& path, const RegistryRowSink& set) const {
     Bstr doc;
     lib_.lib->GetDocumentation(-1, nullptr, doc.Out(), nullptr, nullptr);
     TLIBATTR* attr = nullptr;
@@ -162,22 +170,21 @@ class UserTypeLib {
     const std::wstring platform = lib_.syskind == SYS_WIN64 ? L"win64" : L"win32";
     wchar_t lcid[16];
     wsprintfW(lcid, L"%x", lib_.lcid);
-    LONG rc = root_.Set(versionKey, nullptr, doc.Get() ? doc.Get() : L"");
-    if (rc == ERROR_SUCCESS) rc = root_.Set(versionKey + L"\\" + lcid + L"\\" + platform, nullptr, path);
-    if (rc == ERROR_SUCCESS) rc = root_.Set(versionKey + L"\\FLAGS", nullptr, DecimalText(flags | LIBFLAG_FHASDISKIMAGE));
-    if (rc == ERROR_SUCCESS) rc = root_.Set(versionKey + L"\\HELPDIR", nullptr, path.substr(0, path.rfind(L'\\')));
-    for (UINT i = 0; rc == ERROR_SUCCESS && i < lib_.lib->GetTypeInfoCount(); ++i) {
+    set(versionKey, nullptr, doc.Get() ? doc.Get() : L"");
+    set(versionKey + L"\\" + lcid + L"\\" + platform, nullptr, path);
+    set(versionKey + L"\\FLAGS", nullptr, DecimalText(flags | LIBFLAG_FHASDISKIMAGE));
+    set(versionKey + L"\\HELPDIR", nullptr, path.substr(0, path.rfind(L'\\')));
+    for (UINT i = 0; i < lib_.lib->GetTypeInfoCount(); ++i) {
       GUID iid;
       std::wstring name;
       if (!AutomationInterface(i, &iid, &name)) continue;
       const std::wstring key = L"Interface\\" + GuidText(iid);
-      rc = root_.Set(key, nullptr, name);
-      if (rc == ERROR_SUCCESS) rc = root_.Set(key + L"\\ProxyStubClsid", nullptr, kAutomationMarshaler);
-      if (rc == ERROR_SUCCESS) rc = root_.Set(key + L"\\ProxyStubClsid32", nullptr, kAutomationMarshaler);
-      if (rc == ERROR_SUCCESS) rc = root_.Set(key + L"\\TypeLib", nullptr, GuidText(lib_.libid));
-      if (rc == ERROR_SUCCESS) rc = root_.Set(key + L"\\TypeLib", L"Version", VersionText());
+      set(key, nullptr, name);
+      set(key + L"\\ProxyStubClsid", nullptr, kAutomationMarshaler);
+      set(key + L"\\ProxyStubClsid32", nullptr, kAutomationMarshaler);
+      set(key + L"\\TypeLib", nullptr, GuidText(lib_.libid));
+      set(key + L"\\TypeLib", L"Version", VersionText());
     }
-    return rc;
   }
 
   LONG Unregister() const {
@@ -220,13 +227,21 @@ HRESULT RegisterServer(bool perUser) {
   if (FAILED(hr)) return hr;
   const std::wstring path = ThisModulePath();
   const ClassesRoot root(perUser);
-  for (const ServerClass* c = ServerClasses(); c->clsid; ++c) {
-    const LONG rc = RegisterClass(root, *c, lib, path);
-    if (rc != ERROR_SUCCESS) return HRESULT_FROM_WIN32(rc);
-  }
-  if (perUser) return HRESULT_FROM_WIN32(UserTypeLib(root, lib).Register(path));
+  const RegistryWriter write(root);
+  for (const ServerClass* c = ServerClasses(); c->clsid; ++c) ClassRows(*c, lib, path, write);
+  if (perUser) UserTypeLib(root, lib).Rows(path, write);
+  if (write.rc != ERROR_SUCCESS || perUser) return HRESULT_FROM_WIN32(write.rc);
   std::wstring pathCopy = path;
   return RegisterTypeLib(lib.lib.Get(), &pathCopy[0], nullptr);
+}
+
+HRESULT ListRegistrationRows(const std::wstring& path, const RegistryRowSink& sink) {
+  TypeLibInfo lib;
+  const HRESULT hr = ReadTypeLibInfo(&lib);
+  if (FAILED(hr)) return hr;
+  for (const ServerClass* c = ServerClasses(); c->clsid; ++c) ClassRows(*c, lib, path, sink);
+  UserTypeLib(ClassesRoot(false), lib).Rows(path, sink);
+  return S_OK;
 }
 
 HRESULT UnregisterServer(bool perUser) {

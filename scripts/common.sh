@@ -135,7 +135,7 @@ build_in() {
   local dir=$1 toolchain=$2
   shift 2
   cmake -S "$repo" -B "$dir" -DCMAKE_TOOLCHAIN_FILE="$repo/cmake/$toolchain" \
-    -DBREVANTIS_EMULATED="$([[ "${run32:-}" == emulated && $toolchain == *i686* ]] && echo ON || echo OFF)" >/dev/null
+    -DBREVANTIS_X86_BUILD_DIR="$build" -DBREVANTIS_EMULATED="$([[ "${run32:-}" == emulated && $toolchain == *i686* ]] && echo ON || echo OFF)" >/dev/null
   local targets=()
   for t in "$@"; do targets+=(--target "$t"); done
   cmake --build "$dir" -j"$(nproc)" "${targets[@]}"

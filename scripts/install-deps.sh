@@ -1,6 +1,8 @@
 #!/usr/bin/env bash
 # Installs the cross toolchains, Wine and Xvfb through apt, and any further
 # packages named as arguments (fuzz/run.sh adds clang and its runtimes).
+# fp-utils-3.2.2 gives chmcmd, the help file compiler; wixl builds the
+# installer packages.
 # Idempotent and quiet when everything is already there.
 #   install-deps.sh [PACKAGE[/SUITE]...]
 # A mirror caught mid-sync (an index of unexpected size, an expired Release
@@ -10,7 +12,7 @@ set -euo pipefail
 
 packages=(wine wine32:i386 wine64 libwine-dev fonts-wine g++-mingw-w64-i686 g++-mingw-w64-x86-64
           mingw-w64-tools mingw-w64-i686-dev mingw-w64-x86-64-dev xvfb xauth imagemagick cmake make
-          googletest python3 "$@")
+          googletest python3 fp-utils-3.2.2 wixl "$@")
 
 missing_packages() {
   local p status
