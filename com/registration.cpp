@@ -26,9 +26,21 @@ std::wstring GuidText(REFGUID guid) {
   return text;
 }
 
+// The machine's classes (HKLM\Software\Classes, named: written through
+// HKEY_CLASSES_ROOT they would land in an administrator's own classes where
+// those hold the key already) or the user's (HKCU\Software\Classes).
 class ClassesRoot {
  public:
   explicit ClassesRoot(bool perUser) : perUser_(perUser) {}
+
+  // A string value; empty when there is none.
+  std::wstring Get(const std::wstring& path, const wchar_t* name) const {
+    wchar_t data[64] = {};
+    DWORD bytes = sizeof(data) - sizeof(wchar_t);
+    if (RegGetValueW(Root(), Full(path).c_str(), name, RRF_RT_REG_SZ, nullptr, data, &bytes) != ERROR_SUCCESS)
+      return std::wstring();
+    return data;
+  }
 
   LONG Set(const std::wstring& path, const wchar_t* name, const std::wstring& value) const {
     RegKey key;
@@ -65,8 +77,8 @@ class ClassesRoot {
     }
   }
 
-  HKEY Root() const { return perUser_ ? HKEY_CURRENT_USER : HKEY_CLASSES_ROOT; }
-  std::wstring Full(const std::wstring& path) const { return perUser_ ? L"Software\\Classes\\" + path : path; }
+  HKEY Root() const { return perUser_ ? HKEY_CURRENT_USER : HKEY_LOCAL_MACHINE; }
+  static std::wstring Full(const std::wstring& path) { return L"Software\\Classes\\" + path; }
 
   bool perUser_;
 };
@@ -187,13 +199,17 @@ class UserTypeLib {
     }
   }
 
+  // Only this version: another one registered for the user keeps its keys,
+  // and so do the interfaces that name it.
   LONG Unregister() const {
-    LONG rc = root_.DeleteTree(LibKey());
+    LONG rc = root_.DeleteTree(LibKey() + L"\\" + VersionText());
     for (UINT i = 0; i < lib_.lib->GetTypeInfoCount(); ++i) {
       GUID iid;
       std::wstring name;
       if (!AutomationInterface(i, &iid, &name)) continue;
-      const LONG interfaceRc = root_.DeleteTree(L"Interface\\" + GuidText(iid));
+      const std::wstring key = L"Interface\\" + GuidText(iid);
+      if (root_.Get(key + L"\\TypeLib", L"Version") != VersionText()) continue;
+      const LONG interfaceRc = root_.DeleteTree(key);
       if (rc == ERROR_SUCCESS) rc = interfaceRc;
     }
     return rc;

@@ -114,11 +114,15 @@ TEST(Registration, RegistersWhatContainersNeedAndUnregistersAllOfIt) {
 }
 
 TEST(Registration, PerUserRegistrationStaysWithTheUser) {
+  // Another version of the library the user registered stays.
+  const std::wstring user = L"Software\\Classes\\";
+  const std::wstring libid = Guid(LIBID_BrevantisLib);
+  const std::wstring older = user + L"TypeLib\\" + libid + L"\\1.2";
+  ASSERT_EQ(ERROR_SUCCESS, RegSetKeyValueW(HKEY_CURRENT_USER, older.c_str(), nullptr, REG_SZ, L"1.2", 8));
   const std::set<std::wstring> machineBefore = SnapshotRegistry(HKEY_LOCAL_MACHINE, L"Software\\Classes");
   const std::set<std::wstring> userBefore = SnapshotRegistry(HKEY_CURRENT_USER, L"Software\\Classes");
 
   ASSERT_EQ(0u, Regsvr32(L"/s /n /i:user"));
-  const std::wstring user = L"Software\\Classes\\";
   auto userValue = [&](const std::wstring& key) {
     wchar_t data[1024] = {};
     DWORD bytes = sizeof(data) - sizeof(wchar_t);
@@ -127,7 +131,6 @@ TEST(Registration, PerUserRegistrationStaysWithTheUser) {
       return std::wstring(L"<missing>");
     return std::wstring(data);
   };
-  const std::wstring libid = Guid(LIBID_BrevantisLib);
   EXPECT_EQ(Lower(BREVANTIS_OCX_PATH), Lower(userValue(L"CLSID\\" + Guid(CLSID_Brevantis) + L"\\InprocServer32")));
   EXPECT_EQ(Guid(CLSID_clsCryptoFilterBox), userValue(L"BrevantisLib.clsCryptoFilterBox\\CLSID"));
   EXPECT_EQ(Lower(BREVANTIS_OCX_PATH), Lower(userValue(L"TypeLib\\" + libid + L"\\1.3\\409\\" BREVANTIS_TYPELIB_PLATFORM)));
@@ -137,6 +140,7 @@ TEST(Registration, PerUserRegistrationStaysWithTheUser) {
   ASSERT_EQ(0u, Regsvr32(L"/u /s /n /i:user"));
   EXPECT_EQ(userBefore, SnapshotRegistry(HKEY_CURRENT_USER, L"Software\\Classes"));
   EXPECT_EQ(machineBefore, SnapshotRegistry(HKEY_LOCAL_MACHINE, L"Software\\Classes"));
+  RegDeleteTreeW(HKEY_CURRENT_USER, (user + L"TypeLib\\" + libid).c_str());
 }
 
 }  // namespace
