@@ -2,6 +2,8 @@
 // HTML file, and opens addresses in it.
 #include "web/browser.h"
 
+#include <atomic>
+
 #include "com/guard.h"
 #include "com/raii.h"
 #include "com/text.h"
@@ -15,27 +17,48 @@ namespace brevantis {
 namespace {
 
 constexpr size_t kBrowserBufferLength = 255;
-constexpr wchar_t kProbeFileName[] = L"\\TEST.HTM";
 // One quoted line, as a sequential file writes it. The closing tag keeps its
 // backslash: the file exists only for its extension and is never shown.
 constexpr char kProbeContents[] = "\"<HTML> <\\HTML>\"\r\n";
 
-// The probe file of one lookup. It is deleted explicitly as the lookup's last
-// action; the destructor only cleans up after an unexpected exit.
+// The temporary folder the control learnt when loaded, else the system's.
+std::wstring TemporaryFolder() {
+  std::wstring folder = CurrentStore()[kWinTempDir].text;
+  if (!folder.empty()) return folder;
+  wchar_t path[MAX_PATH + 1] = {};
+  const DWORD length = GetTempPathW(MAX_PATH + 1, path);
+  folder.assign(path, length <= MAX_PATH ? length : 0);
+  if (!folder.empty() && folder.back() == L'\\') folder.pop_back();
+  return folder;
+}
+
+// The probe file of one lookup: a new file of a name of its own, so that no
+// file of the user's is ever truncated or deleted. It is deleted explicitly
+// as the lookup's last action; the destructor only cleans up after an
+// unexpected exit.
 class ProbeFile {
  public:
-  explicit ProbeFile(const std::wstring& path) : path_(ToAnsi(path)) {}
+  ProbeFile() = default;
   ProbeFile(const ProbeFile&) = delete;
   ProbeFile& operator=(const ProbeFile&) = delete;
   ~ProbeFile() {
     if (exists_) DeleteFileA(path_.c_str());
   }
 
-  // Creates or truncates the file and writes the quoted line.
-  HRESULT Write() {
-    FileHandle file(CreateFileA(path_.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL,
-                                nullptr));
-    if (!file) return RaiseFileError(GetLastError());
+  const std::string& Path() const { return path_; }
+
+  // Creates the file under a name nothing has yet and writes the quoted line.
+  HRESULT Write(const std::wstring& folder) {
+    static std::atomic<unsigned> serial{0};
+    FileHandle file;
+    for (int attempt = 0; !file; ++attempt) {
+      wchar_t name[64];
+      wsprintfW(name, L"\\Brevantis-%lx-%x.htm", GetCurrentProcessId(), serial++);
+      path_ = ToAnsi(folder + name);
+      file.Reset(CreateFileA(path_.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_NEW, FILE_ATTRIBUTE_NORMAL, nullptr));
+      const DWORD error = GetLastError();
+      if (!file && (error != ERROR_FILE_EXISTS || attempt == 100)) return RaiseFileError(error);
+    }
     exists_ = true;
     DWORD written = 0;
     const DWORD size = sizeof(kProbeContents) - 1;
@@ -102,12 +125,11 @@ HRESULT FindDefaultBrowser(std::wstring* browser) {
   if (!browser) return E_POINTER;
   browser->clear();
   return Guarded([&] {
-    const std::wstring path = CurrentStore()[kWinTempDir].text + kProbeFileName;
-    ProbeFile probe(path);
-    HRESULT hr = probe.Write();
+    ProbeFile probe;
+    HRESULT hr = probe.Write(TemporaryFolder());
     if (FAILED(hr)) return hr;
     std::wstring buffer(kBrowserBufferLength, L' ');
-    const UINT_PTR code = CurrentPlatform().FindExecutable(path, &buffer);
+    const UINT_PTR code = CurrentPlatform().FindExecutable(FromAnsi(probe.Path()), &buffer);
     std::wstring found = BrowserPathFromBuffer(buffer, code);
     hr = probe.Delete();
     if (FAILED(hr)) return hr;
@@ -120,6 +142,9 @@ HRESULT OpenUrlInBrowser(const std::wstring& url, bool* opened) {
   if (!opened) return E_POINTER;
   *opened = false;
   return Guarded([&] {
+    // An address is data: one that a browser would read as an option is
+    // not opened at all.
+    if (!url.empty() && (url[0] == L'-' || url[0] == L'/')) return S_OK;
     if (!IsInternetReachable()) {
       YieldToPendingMessages();
       // The address is not opened afterwards even when a connection is made:
@@ -131,7 +156,7 @@ HRESULT OpenUrlInBrowser(const std::wstring& url, bool* opened) {
     const HRESULT hr = FindDefaultBrowser(&browser);
     if (FAILED(hr) || browser.empty()) return hr;
     // A browser that the system cannot start has not opened the page either.
-    *opened = CurrentPlatform().StartProcess(BrowserCommandLine(browser, url), SW_SHOWNORMAL);
+    *opened = CurrentPlatform().StartProcess(BrowserCommandLine(browser, AddressArgument(url)), SW_SHOWNORMAL);
     return S_OK;
   });
 }
@@ -139,6 +164,31 @@ HRESULT OpenUrlInBrowser(const std::wstring& url, bool* opened) {
 std::wstring WebConnectAddress(const std::wstring& argument) {
   std::wstring address = TrimSpaces(argument);
   return address.empty() ? CurrentStore()[kWebSiteURL].text : address;
+}
+
+std::wstring AddressArgument(const std::wstring& url) {
+  std::wstring argument;
+  for (size_t i = 0; i < url.size(); ++i) {
+    const wchar_t c = url[i];
+    char ansi[8];
+    BOOL inexact = FALSE;
+    const bool pair = IS_HIGH_SURROGATE(c) && i + 1 < url.size() && IS_LOW_SURROGATE(url[i + 1]);
+    if (!pair && c > L' ' && c != L'"' &&
+        WideCharToMultiByte(CP_ACP, WC_NO_BEST_FIT_CHARS, &c, 1, ansi, sizeof(ansi), nullptr, &inexact) > 0 &&
+        !inexact) {
+      argument += c;
+      continue;
+    }
+    char utf8[8];
+    const int length = WideCharToMultiByte(CP_UTF8, 0, &url[i], pair ? 2 : 1, utf8, sizeof(utf8), nullptr, nullptr);
+    for (int b = 0; b < length; ++b) {
+      wchar_t escaped[4];
+      wsprintfW(escaped, L"%%%02X", static_cast<unsigned char>(utf8[b]));
+      argument += escaped;
+    }
+    if (pair) ++i;
+  }
+  return argument;
 }
 
 std::wstring BrowserCommandLine(const std::wstring& browser, const std::wstring& argument) {

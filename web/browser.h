@@ -16,7 +16,8 @@ bool IsInternetReachable();
 HRESULT FindDefaultBrowser(std::wstring* browser);
 
 // Opens url in the default browser when the Internet is reachable; otherwise
-// offers the connection assistant and opens nothing. opened tells whether
+// offers the connection assistant and opens nothing. An address starting with
+// "-" or "/", which a browser would read as an option, opens nothing. opened tells whether
 // the browser was started. Fails only as FindDefaultBrowser does.
 HRESULT OpenUrlInBrowser(const std::wstring& url, bool* opened);
 
@@ -24,8 +25,14 @@ HRESULT OpenUrlInBrowser(const std::wstring& url, bool* opened);
 // leading and trailing spaces, or WebSiteURL when nothing is left.
 std::wstring WebConnectAddress(const std::wstring& argument);
 
+// An address as one command-line argument that cannot end or add to itself:
+// blanks, control characters, quotes and whatever the ANSI code page cannot
+// hold exactly (so no full-width quote turns into a quote) are
+// percent-encoded as UTF-8. A well-formed address stays as it is.
+std::wstring AddressArgument(const std::wstring& url);
+
 // The command line that starts browser with argument: the two joined by one
-// space, the path quoted only when it holds a space, the argument never.
+// space, the path quoted only when it holds a space, the argument as given.
 std::wstring BrowserCommandLine(const std::wstring& browser, const std::wstring& argument);
 
 }  // namespace brevantis

@@ -2,6 +2,8 @@
 // opens the tray and asks for the CD.
 #include "web/cd_catalogue.h"
 
+#include <algorithm>
+
 #include "com/guard.h"
 #include "com/raii.h"
 #include "com/text.h"
@@ -24,6 +26,17 @@ bool CanOpenForReading(const std::wstring& path) {
   FileHandle file(CreateFileA(name.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr, OPEN_EXISTING,
                               FILE_ATTRIBUTE_NORMAL, nullptr));
   return static_cast<bool>(file);
+}
+
+// A catalogue name from a saved form is data: a path below the CD's root and
+// nothing else. ".." segments (which the system would resolve away before
+// the file is found), another drive or stream (":") and a root or server of
+// its own ("\\", "/") are refused.
+bool BelowTheRoot(const std::wstring& index) {
+  std::wstring segments = L"\\" + index + L"\\";
+  std::replace(segments.begin(), segments.end(), L'/', L'\\');
+  const bool ownRoot = !index.empty() && segments[1] == L'\\';
+  return !ownRoot && index.find(L':') == std::wstring::npos && segments.find(L"\\..\\") == std::wstring::npos;
 }
 
 void AskForCd() {
@@ -59,7 +72,9 @@ HRESULT OpenCatalogueOnCd(CdOutcome* outcome) {
   if (!outcome) return E_POINTER;
   *outcome = CdOutcome::NoBrowser;
   return Guarded([&] {
-    const std::wstring path = FindCdRomDrive().substr(0, 3) + CurrentStore()[kCDIndexFile].text;
+    const std::wstring index = CurrentStore()[kCDIndexFile].text;
+    if (!BelowTheRoot(index)) return S_OK;  // not opened: NoBrowser's Error 200
+    const std::wstring path = FindCdRomDrive().substr(0, 3) + index;
     if (!CanOpenForReading(path)) {
       AskForCd();
       *outcome = CdOutcome::AskedForCd;
@@ -69,7 +84,8 @@ HRESULT OpenCatalogueOnCd(CdOutcome* outcome) {
     const HRESULT hr = FindDefaultBrowser(&browser);
     if (FAILED(hr) || browser.empty()) return hr;
     // A browser that the system cannot start has not opened the page either.
-    if (CurrentPlatform().StartProcess(BrowserCommandLine(browser, path), SW_SHOWNORMAL))
+    // Quoted, as one argument: a file name cannot hold a quote.
+    if (CurrentPlatform().StartProcess(BrowserCommandLine(browser, L"\"" + path + L"\""), SW_SHOWNORMAL))
       *outcome = CdOutcome::Opened;
     return S_OK;
   });

@@ -13,7 +13,7 @@ std::wstring FindCdRomDrive();
 enum class CdOutcome {
   Opened,        // the catalogue page was started in the browser
   AskedForCd,    // the page was missing: tray opened, user asked for the CD
-  NoBrowser,     // the page is there but no browser was found
+  NoBrowser,     // the page is there but no browser was found, or CDIndexFile is no path below the root
 };
 
 // Opens the catalogue page on the CD. Fails only as FindDefaultBrowser does.

@@ -3,6 +3,8 @@
 // prefix starting the project's fake browser.
 #include <gtest/gtest.h>
 
+#include <iterator>
+
 #include "com/raii.h"
 #include "com/text.h"
 #include "control/store.h"
@@ -47,12 +49,17 @@ class Browser : public ::testing::Test {
     CurrentStore()[kWinTempDir].text = temp_.Path();
     CurrentStore()[kWebSiteURL].text = L"http://www.example.com/sito";
   }
-  std::wstring Probe() const { return temp_.Path() + L"\\TEST.HTM"; }
   std::wstring Found() {
     std::wstring browser = L"unchanged";
     EXPECT_EQ(S_OK, FindDefaultBrowser(&browser));
-    EXPECT_FALSE(FileExists(Probe()));
+    EXPECT_EQ(0u, HtmFilesIn(temp_.Path()));
     return browser;
+  }
+  // The folder of the file the shell was last asked about.
+  std::wstring LookupFolder() const {
+    const std::wstring& file = platform_.executableLookups.back();
+    EXPECT_EQ(L".htm", file.substr(file.size() - 4));
+    return file.substr(0, file.rfind(L'\\'));
   }
 
   ScratchFolder temp_;
@@ -64,7 +71,7 @@ TEST_F(Browser, ThePathEndsAfterTheFirstExeAndKeepsItsCase) {
   platform_.executable = L"C:\\Program Files\\Browser\\browser.exe";
   EXPECT_EQ(L"C:\\Program Files\\Browser\\browser.exe", Found());
   ASSERT_EQ(1u, platform_.executableLookups.size());
-  EXPECT_EQ(Probe(), platform_.executableLookups[0]);
+  EXPECT_EQ(temp_.Path(), LookupFolder());
   EXPECT_EQ("\"<HTML> <\\HTML>\"\r\n", platform_.probeContents);
 
   platform_.executable = L"C:\\B\\BROWSER.EXE -nohome";
@@ -87,12 +94,27 @@ TEST_F(Browser, ProbeFileErrorsReachTheHostAsFileErrors) {
   EXPECT_EQ(L"Path not found", ErrorDescription());
   EXPECT_TRUE(platform_.executableLookups.empty());
 
-  // A probe file that cannot be rewritten is not the control's to delete.
-  CurrentStore()[kWinTempDir].text = temp_.Path();
-  WriteTextFile(Probe(), "someone else's");
-  SetFileAttributesW(Probe().c_str(), FILE_ATTRIBUTE_READONLY);
-  EXPECT_EQ(kPathFileAccessError, FindDefaultBrowser(&browser));
-  EXPECT_EQ(L"Path/File access error", ErrorDescription());
+}
+
+// The probe is a new file of its own: a user's file of any name is never
+// written or deleted, and a control that learnt no folder asks the system.
+TEST_F(Browser, TheProbeFileIsNewAndTheControlsOwn) {
+  ScopedPlatform scope(&platform_);
+  const std::wstring users = temp_.Path() + L"\\TEST.HTM";
+  WriteTextFile(users, "someone else's");
+  std::wstring browser;
+  EXPECT_EQ(S_OK, FindDefaultBrowser(&browser));
+  EXPECT_EQ(1u, HtmFilesIn(temp_.Path()));
+  EXPECT_EQ(ReadTextFile(users), "someone else's");
+  EXPECT_NE(users, platform_.executableLookups.back());
+
+  CurrentStore()[kWinTempDir].text.clear();
+  wchar_t system[MAX_PATH + 1] = {};
+  GetTempPathW(MAX_PATH + 1, system);
+  const size_t before = HtmFilesIn(system);
+  EXPECT_EQ(S_OK, FindDefaultBrowser(&browser));
+  EXPECT_EQ(std::wstring(system), LookupFolder() + L"\\");
+  EXPECT_EQ(before, HtmFilesIn(system));
 }
 
 TEST_F(Browser, AProbeFileThatCannotBeDeletedIsAnAccessError) {
@@ -119,25 +141,42 @@ class OpeningAddresses : public Browser {
   ProbeSettings settings_{server_.Url()};
 };
 
-TEST_F(OpeningAddresses, TheCommandLineIsThePathASpaceAndTheAddress) {
+// The address is one argument that no browser reads as options: what could
+// end it or pass for a quote is percent-encoded, and an address that starts
+// like an option is not opened at all.
+TEST_F(OpeningAddresses, TheAddressIsOneArgumentAfterThePath) {
   ScopedPlatform scope(&platform_);
   platform_.executable = L"C:\\B\\b.exe";
-  const std::wstring addresses[] = {L"x", L"http://a/b?c=\"d e\"&f=%20", std::wstring(100000, L'u'),
-                                    std::wstring(L"a\0b", 3)};
-  for (const std::wstring& address : addresses) {
+  const std::pair<std::wstring, std::wstring> cases[] = {
+      {L"x", L"x"},
+      {std::wstring(100000, L'u'), std::wstring(100000, L'u')},
+      {L"http://a/b?c=%20&d=\u00e8", L"http://a/b?c=%20&d=\u00e8"},  // e-grave is in the code page
+      {L"http://x --gpu-launcher=calc.exe --no-sandbox", L"http://x%20--gpu-launcher=calc.exe%20--no-sandbox"},
+      {L"http://a/b?c=\"d e\"", L"http://a/b?c=%22d%20e%22"},
+      {L"http://a/\uff02 -x", L"http://a/%EF%BC%82%20-x"},  // a full-width quote is no quote
+      {L"http://a/\u4e2d\U0001F600", L"http://a/%E4%B8%AD%F0%9F%98%80"},
+      {std::wstring(L"a\0b\tc", 5), L"a%00b%09c"},
+  };
+  for (const auto& [address, argument] : cases) {
     bool opened = false;
     EXPECT_EQ(S_OK, OpenUrlInBrowser(address, &opened));
     EXPECT_TRUE(opened);
-    EXPECT_EQ(L"C:\\B\\b.exe " + address, platform_.processes.back().commandLine);
+    EXPECT_EQ(L"C:\\B\\b.exe " + argument, platform_.processes.back().commandLine);
     EXPECT_EQ(1, platform_.processes.back().showCommand);
-    EXPECT_FALSE(FileExists(Probe()));
+    EXPECT_EQ(0u, HtmFilesIn(temp_.Path()));
   }
+  for (const wchar_t* option : {L"-x", L"--no-sandbox http://a/", L"/x"}) {
+    bool opened = true;
+    EXPECT_EQ(S_OK, OpenUrlInBrowser(option, &opened));
+    EXPECT_FALSE(opened);
+  }
+  EXPECT_EQ(std::size(cases), platform_.processes.size());
 
   // Quoted only when the path holds a space.
   platform_.executable = L"C:\\Program Files\\B\\b.exe";
   bool opened = false;
-  EXPECT_EQ(S_OK, OpenUrlInBrowser(L"x y", &opened));
-  EXPECT_EQ(L"\"C:\\Program Files\\B\\b.exe\" x y", platform_.processes.back().commandLine);
+  EXPECT_EQ(S_OK, OpenUrlInBrowser(L"x", &opened));
+  EXPECT_EQ(L"\"C:\\Program Files\\B\\b.exe\" x", platform_.processes.back().commandLine);
   EXPECT_GT(server_.Requests(), 0);
 }
 
@@ -190,7 +229,7 @@ class EndToEnd : public OpeningAddresses {
   bool Open(const std::wstring& argument) {
     bool opened = false;
     EXPECT_EQ(S_OK, OpenUrlInBrowser(WebConnectAddress(argument), &opened));
-    EXPECT_FALSE(FileExists(Probe()));
+    EXPECT_EQ(0u, HtmFilesIn(temp_.Path()));
     return opened;
   }
 };
@@ -200,7 +239,7 @@ TEST_F(EndToEnd, TheRegisteredBrowserOpensTheAddressOrWebSiteURL) {
   HtmAssociation association(program);
   EXPECT_EQ(program, Found());
   const std::pair<std::wstring, std::string> cases[] = {
-      {L"   ", " http://www.example.com/sito"}, {L" x ", " x"}, {L"http://a/?q=\"1 2\"&r=%41", " http://a/?q=\"1 2\"&r=%41"}};
+      {L"   ", " http://www.example.com/sito"}, {L" x ", " x"}, {L"http://a/?q=\"1 2\"&r=%41", " http://a/?q=%221%202%22&r=%41"}};
   size_t started = 0;
   for (const auto& [argument, expected] : cases) {
     ASSERT_TRUE(Open(argument));

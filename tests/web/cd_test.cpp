@@ -46,7 +46,7 @@ class Catalogue : public ::testing::Test {
   CdOutcome Open() {
     CdOutcome outcome = CdOutcome::Opened;
     EXPECT_EQ(S_OK, OpenCatalogueOnCd(&outcome));
-    EXPECT_FALSE(FileExists(temp_.Path() + L"\\TEST.HTM"));
+    EXPECT_EQ(0u, HtmFilesIn(temp_.Path()));
     return outcome;
   }
   void ExpectAskedForCd() {
@@ -93,7 +93,7 @@ TEST_F(Catalogue, WithoutACdRomDriveThePageOnTheLastRootOpens) {
   CurrentStore()[kCDIndexFile].text = onZ;
   EXPECT_EQ(CdOutcome::Opened, Open());
   ASSERT_EQ(1u, platform.processes.size());
-  EXPECT_EQ(L"C:\\B\\b.exe Z:\\" + onZ, platform.processes[0].commandLine);
+  EXPECT_EQ(L"C:\\B\\b.exe \"Z:\\" + onZ + L"\"", platform.processes[0].commandLine);
 }
 
 TEST_F(Catalogue, SixteenRootsOrMoreEndTheSearch) {
@@ -115,7 +115,7 @@ TEST_F(Catalogue, TheRealCdRomDriveOpensInTheRegisteredBrowser) {
   EXPECT_EQ(CdOutcome::Opened, Open());
   const auto lines = BrowserCommandLines(program);
   ASSERT_EQ(1u, lines.size());
-  EXPECT_EQ(ToAnsi(program).c_str() + std::string(" D:\\zo\\index.htm"), lines[0]);
+  EXPECT_EQ(ToAnsi(program).c_str() + std::string(" \"D:\\zo\\index.htm\""), lines[0]);
 }
 
 TEST_F(Catalogue, WithoutThePageTheTrayOpensAndTheCdIsAskedFor) {
@@ -130,21 +130,25 @@ TEST_F(Catalogue, WithoutThePageTheTrayOpensAndTheCdIsAskedFor) {
   }
 }
 
-TEST_F(Catalogue, ThePathIsTheDriveRootAndCDIndexFileUnquoted) {
+// The page is one quoted argument: the drive's root and CDIndexFile. A
+// CDIndexFile that would leave the CD's root, or smuggle words past a ".."
+// the system resolves away, opens nothing (Error 200 for the host).
+TEST_F(Catalogue, ThePageIsTheDriveRootAndCDIndexFileQuoted) {
   ScopedPlatform scope(&platform_);
-  EXPECT_EQ(CdOutcome::Opened, Open());
-  CurrentStore()[kCDIndexFile].text = L"\\zo\\index.htm";
-  EXPECT_EQ(CdOutcome::Opened, Open());
-  CurrentStore()[kCDIndexFile].text = L"zo\\..\\zo\\index.htm";
   EXPECT_EQ(CdOutcome::Opened, Open());
   platform_.executable = L"C:\\Program Files\\B\\b.exe";
   EXPECT_EQ(CdOutcome::Opened, Open());
-  ASSERT_EQ(4u, platform_.processes.size());
-  EXPECT_EQ(L"C:\\B\\b.exe D:\\zo\\index.htm", platform_.processes[0].commandLine);
-  EXPECT_EQ(L"C:\\B\\b.exe D:\\\\zo\\index.htm", platform_.processes[1].commandLine);
-  EXPECT_EQ(L"C:\\B\\b.exe D:\\zo\\..\\zo\\index.htm", platform_.processes[2].commandLine);
-  EXPECT_EQ(L"\"C:\\Program Files\\B\\b.exe\" D:\\zo\\..\\zo\\index.htm", platform_.processes[3].commandLine);
+  ASSERT_EQ(2u, platform_.processes.size());
+  EXPECT_EQ(L"C:\\B\\b.exe \"D:\\zo\\index.htm\"", platform_.processes[0].commandLine);
+  EXPECT_EQ(L"\"C:\\Program Files\\B\\b.exe\" \"D:\\zo\\index.htm\"", platform_.processes[1].commandLine);
   EXPECT_EQ(1, platform_.processes[0].showCommand);
+  for (const wchar_t* index : {L"x --gpu-launcher=calc\\..\\zo\\index.htm", L"zo/../zo/index.htm", L"..\\zo\\index.htm",
+                               L"\\zo\\index.htm", L"/zo/index.htm", L"\\\\server\\share\\index.htm",
+                               L"D:\\zo\\index.htm", L"zo\\index.htm:x"}) {
+    CurrentStore()[kCDIndexFile].text = index;
+    EXPECT_EQ(CdOutcome::NoBrowser, Open()) << ToAnsi(index);
+  }
+  EXPECT_EQ(2u, platform_.processes.size());
   EXPECT_TRUE(platform_.messages.empty());
 }
 
@@ -159,7 +163,7 @@ TEST_F(Catalogue, WithoutADriveCDIndexFileIsRelativeToTheCurrentFolder) {
   SetCurrentDirectoryW(previous);
   EXPECT_EQ(CdOutcome::Opened, outcome);
   ASSERT_EQ(1u, platform.processes.size());
-  EXPECT_EQ(L"C:\\B\\b.exe zo\\index.htm", platform.processes[0].commandLine);
+  EXPECT_EQ(L"C:\\B\\b.exe \"zo\\index.htm\"", platform.processes[0].commandLine);
 }
 
 TEST_F(Catalogue, NoBrowserIsReportedAndNothingStarts) {

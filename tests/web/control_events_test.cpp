@@ -67,6 +67,17 @@ TEST_F(ControlWeb, WebConnectOpensTheAddressOrTheWebSite) {
   EXPECT_EQ(ToAnsi(program) + " http://www.example.com/sito", lines[0]);
   EXPECT_EQ(ToAnsi(program) + " x", lines[1]);
   EXPECT_TRUE(sink_->events.empty());
+
+  // A host's address is one argument; one that starts like an option is
+  // refused with Error 200.
+  ASSERT_EQ(S_OK, control_->WebConnect(Bstr(L"http://x --no-sandbox \uff02").Get()));
+  const auto third = BrowserCommandLines(program, 3);
+  ASSERT_EQ(3u, third.size());
+  EXPECT_EQ(ToAnsi(program) + " http://x%20--no-sandbox%20%EF%BC%82", third[2]);
+  ASSERT_EQ(S_OK, control_->WebConnect(Bstr(L"--no-sandbox").Get()));
+  ASSERT_EQ(1u, sink_->events.size());
+  EXPECT_EQ(200, sink_->events[0].code);
+  EXPECT_EQ(3u, BrowserCommandLines(program).size());
 }
 
 TEST_F(ControlWeb, WithoutABrowserError200ReachesTheSink) {
@@ -116,8 +127,14 @@ TEST_F(ControlWeb, OpenCdOpensThePageOrRaisesError200) {
   ASSERT_EQ(S_OK, control_->OpenCD());
   const auto lines = BrowserCommandLines(program);
   ASSERT_EQ(1u, lines.size());
-  EXPECT_EQ(ToAnsi(program) + " D:\\zo\\index.htm", lines[0]);
+  EXPECT_EQ(ToAnsi(program) + " \"D:\\zo\\index.htm\"", lines[0]);
   EXPECT_EQ(1u, sink_->events.size());
+
+  // Words smuggled past a ".." of a saved form's CDIndexFile: nothing opens.
+  ASSERT_EQ(S_OK, control_->put_CDIndexFile(Bstr(L"x --no-sandbox\\..\\zo\\index.htm").Get()));
+  ASSERT_EQ(S_OK, control_->OpenCD());
+  EXPECT_EQ(2u, sink_->events.size());
+  EXPECT_EQ(1u, BrowserCommandLines(program).size());
 }
 
 // The registered control in atl.dll's container, its events sunk with AtlAdvise.

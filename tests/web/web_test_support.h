@@ -48,7 +48,10 @@ class ProbeSettings {
 
 void MakeFolders(const std::wstring& path);
 void WriteTextFile(const std::wstring& path, const std::string& text);
+std::string ReadTextFile(const std::wstring& path);
 bool FileExists(const std::wstring& path);
+// The probe files (*.htm) a browser lookup left in folder.
+size_t HtmFilesIn(const std::wstring& folder);
 void DeleteTree(const std::wstring& path);
 
 // Copies the project's fake browser to path (folders made as needed).
