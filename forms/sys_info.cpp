@@ -19,15 +19,22 @@ bool NormalFileExists(const std::wstring& path) {
          !(attributes & (FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_SYSTEM));
 }
 
-// The tool's command line, or "" when there is none to try.
+// The tool's command line, or "" when there is none to try: the registered
+// path, quoted so that a path with spaces starts that program and no other,
+// else the system's own msinfo32.exe. Never a program in the root of the
+// current drive, which may be anyone's share.
 std::wstring SysInfoCommand() {
-  std::wstring command = MachineValue(L"SOFTWARE\\Microsoft\\Shared Tools\\MSINFO", L"PATH");
-  if (!command.empty()) return command;
+  std::wstring path = MachineValue(L"SOFTWARE\\Microsoft\\Shared Tools\\MSINFO", L"PATH");
   // This value names a folder: starting it fails, and the user is told.
-  command = MachineValue(L"SOFTWARE\\Microsoft\\Shared Tools Location", L"MSINFO");
-  if (!command.empty()) return command;
-  command += L"\\MSINFO32.EXE";  // in the root of the current drive
-  return NormalFileExists(command) ? command : L"";
+  if (path.empty()) path = MachineValue(L"SOFTWARE\\Microsoft\\Shared Tools Location", L"MSINFO");
+  if (path.empty()) {
+    wchar_t system[MAX_PATH] = {};
+    const UINT length = GetSystemDirectoryW(system, MAX_PATH);
+    if (length == 0 || length >= MAX_PATH) return L"";
+    path = std::wstring(system, length) + L"\\msinfo32.exe";
+    if (!NormalFileExists(path)) return L"";
+  }
+  return path.front() == L'"' ? path : L"\"" + path + L"\"";
 }
 
 }  // namespace

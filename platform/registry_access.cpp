@@ -5,8 +5,10 @@
 namespace brevantis {
 namespace {
 
-// Full access is asked for reads too; a user without it reads nothing.
-constexpr REGSAM kAccess = KEY_ALL_ACCESS;
+// Reads ask only to query: a host without administrator rights reads the
+// machine's keys too.
+constexpr REGSAM kReadAccess = KEY_QUERY_VALUE;
+constexpr REGSAM kWriteAccess = KEY_ALL_ACCESS;
 constexpr DWORD kReadBufferBytes = 255;
 
 HKEY ChooseRoot(bool inClassesRoot, bool inCurrentUser, bool inLocalMachine, bool inUsers,
@@ -36,7 +38,7 @@ std::wstring ReadRegistryString(const std::wstring& subKey, const std::wstring& 
   DWORD type = 0;
   std::wstring result;
   HKEY key = nullptr;
-  if (RegOpenKeyExA(root, ToAnsi(subKey).c_str(), 0, kAccess, &key) == ERROR_SUCCESS &&
+  if (RegOpenKeyExA(root, ToAnsi(subKey).c_str(), 0, kReadAccess, &key) == ERROR_SUCCESS &&
       RegQueryValueExA(key, ToAnsi(valueName).c_str(), nullptr, &type, reinterpret_cast<BYTE*>(buffer), &count) ==
           ERROR_SUCCESS &&
       count >= 1 && count <= kReadBufferBytes) {
@@ -55,7 +57,7 @@ void WriteRegistryString(const std::wstring& subKey, const std::wstring& valueNa
   if (!root) return;
   HKEY key = nullptr;
   DWORD disposition = 0;
-  RegCreateKeyExA(root, ToAnsi(subKey).c_str(), 0, nullptr, REG_OPTION_NON_VOLATILE, kAccess, nullptr, &key,
+  RegCreateKeyExA(root, ToAnsi(subKey).c_str(), 0, nullptr, REG_OPTION_NON_VOLATILE, kWriteAccess, nullptr, &key,
                   &disposition);
   // The byte count is the character count: the stored text carries no NUL,
   // so it reads back one character shorter. The system counts a NUL that

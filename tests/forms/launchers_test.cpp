@@ -6,6 +6,7 @@
 #include <string>
 
 #include "com/raii.h"
+#include "com/text.h"
 #include "form_probe.h"
 #include "forms/forms.h"
 #include "forms/mail.h"
@@ -99,29 +100,33 @@ TEST_F(Launchers, TheMailCommandIsReadIntoItsOwn256Characters) {
 
 TEST_F(Launchers, SysInfoStartsTheRegisteredToolOrSaysItIsUnavailable) {
   ScopedPlatform scope(&platform_);
-  EXPECT_EQ(std::make_pair(std::wstring(L"C:\\Tools\\msinfo32.exe"), false), SysInfo("  C:\\Tools\\msinfo32.exe ", "X"));
+  EXPECT_EQ(std::make_pair(std::wstring(L"\"C:\\Program Files\\msinfo32.exe\""), false),
+            SysInfo("  C:\\Program Files\\msinfo32.exe ", "X"));
   EXPECT_EQ(SW_SHOWNORMAL, platform_.processes.empty() ? 0 : platform_.processes[0].showCommand);
+  EXPECT_EQ(std::make_pair(std::wstring(L"\"C:\\Tools\\msinfo32.exe\" /x"), false),
+            SysInfo("\"C:\\Tools\\msinfo32.exe\" /x", nullptr));
   // Only the folder is known: it is started as it stands, which fails on a real system.
-  EXPECT_EQ(std::make_pair(std::wstring(L"C:\\Shared\\MSInfo"), false), SysInfo("   ", " C:\\Shared\\MSInfo "));
-  EXPECT_EQ(std::make_pair(std::wstring(L"C:\\Shared\\MSInfo"), false), SysInfo(nullptr, "C:\\Shared\\MSInfo"));
+  EXPECT_EQ(std::make_pair(std::wstring(L"\"C:\\Shared\\MSInfo\""), false), SysInfo("   ", " C:\\Shared\\MSInfo "));
   platform_.processStarts = false;
-  EXPECT_EQ(std::make_pair(std::wstring(L"C:\\Shared\\MSInfo"), true), SysInfo(nullptr, "C:\\Shared\\MSInfo"));
+  EXPECT_EQ(std::make_pair(std::wstring(L"\"C:\\Shared\\MSInfo\""), true), SysInfo(nullptr, "C:\\Shared\\MSInfo"));
   platform_.processStarts = true;
-  EXPECT_EQ(std::make_pair(std::wstring(), true), SysInfo(nullptr, nullptr)) << "nothing in the root either";
+  // Nothing registered: the system's own tool, never one planted in the
+  // root of the current drive.
   WriteTextFile(L"C:\\MSINFO32.EXE", "MZ");
-  EXPECT_EQ(std::make_pair(std::wstring(L"\\MSINFO32.EXE"), false), SysInfo(nullptr, nullptr));
-  CreateDirectoryW(L"C:\\MSINFO32.EXE", nullptr);
-  EXPECT_EQ(std::make_pair(std::wstring(), true), SysInfo(nullptr, nullptr)) << "a folder is not the tool";
-  RemoveDirectoryW(L"C:\\MSINFO32.EXE");
+  wchar_t system[MAX_PATH] = {};
+  GetSystemDirectoryW(system, MAX_PATH);
+  EXPECT_EQ(std::make_pair(L"\"" + std::wstring(system) + L"\\msinfo32.exe\"", false), SysInfo(nullptr, nullptr));
+  DeleteFileW(L"C:\\MSINFO32.EXE");
 }
 
 TEST_F(Launchers, SysInfoOnTheRealSystem) {
-  const std::wstring marker = L"C:\\sysinfo_started.txt";
-  DeleteFileW(marker.c_str());
-  SetValue(HKEY_LOCAL_MACHINE, kMsinfoKey, "PATH", "C:\\windows\\system32\\cmd.exe /c echo started>C:\\sysinfo_started.txt");
+  // A registered path with spaces starts that program.
+  ScratchFolder folder;
+  const std::wstring program = folder.Path() + L"\\System Info\\msinfo32.exe";
+  InstallFakeBrowser(program);
+  SetValue(HKEY_LOCAL_MACHINE, kMsinfoKey, "PATH", ToAnsi(program).c_str());
   StartSysInfo();
-  EXPECT_TRUE(PumpUntil([&] { return FileExists(marker); }));
-  DeleteFileW(marker.c_str());
+  EXPECT_EQ(1u, BrowserCommandLines(program, 1).size());
 
   ForgetSysInfo();
   SetValue(HKEY_LOCAL_MACHINE, kLocationKey, "MSINFO", "C:\\windows");  // a folder does not start
