@@ -86,11 +86,37 @@ void ProgramAboutForm::OnCommand(int id, int code) {
   }
 }
 
+namespace {
+
+bool NamesAShare(const std::wstring& path) {
+  return path.size() >= 2 && (path[0] == L'\\' || path[0] == L'/') && (path[1] == L'\\' || path[1] == L'/');
+}
+
+// Whether path names a file on a drive of this machine (a relative one: the
+// current folder's). A sound on a share would have every activation connect
+// to its server and hand it the user's credentials.
+bool OnThisMachine(const std::wstring& path) {
+  if (NamesAShare(path)) return false;
+  std::wstring where = path;
+  if (where.size() < 2 || where[1] != L':') {
+    wchar_t current[MAX_PATH] = {};
+    const DWORD length = GetCurrentDirectoryW(MAX_PATH, current);
+    if (length == 0 || length >= MAX_PATH) return false;
+    where.assign(current, length);
+    if (NamesAShare(where)) return false;
+  }
+  return CurrentPlatform().GetDriveType(where.substr(0, 2) + L"\\") != DRIVE_REMOTE;
+}
+
+}  // namespace
+
 // The about box greets the user each time it becomes the active window; the
-// splash is silent. Blanks are a name like any other.
+// splash is silent. Blanks are a name like any other; only local files play,
+// and never the system's default sound in their place.
 void ProgramAboutForm::OnActivate() {
   const std::wstring& sound = CurrentStore()[kAboutWavSound].text;
-  if (!screens_.splashMode && !sound.empty()) CurrentPlatform().PlaySoundFile(sound, SND_ASYNC);
+  if (!screens_.splashMode && !sound.empty() && OnThisMachine(sound))
+    CurrentPlatform().PlaySoundFile(sound, SND_ASYNC | SND_NODEFAULT);
 }
 
 void ProgramAboutForm::OnLogoClick() {

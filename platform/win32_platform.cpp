@@ -52,7 +52,14 @@ class Win32 final : public Platform {
   }
 
   bool EnumDialUpEntries(void* buffer, DWORD* bufferSize, DWORD* entries, DWORD* result) override {
-    LoadedLibrary ras(LoadLibraryA("rasapi32.dll"));
+    // From the system folder only: never a planted copy beside the host or in
+    // the current folder. Systems without the flag take the full path alone.
+    char system[MAX_PATH] = {};
+    const UINT length = GetSystemDirectoryA(system, MAX_PATH - 16);
+    if (length == 0 || length >= MAX_PATH - 16) return false;
+    const std::string path = std::string(system, length) + "\\rasapi32.dll";
+    LoadedLibrary ras(LoadLibraryExA(path.c_str(), nullptr, LOAD_LIBRARY_SEARCH_SYSTEM32));
+    if (!ras && GetLastError() == ERROR_INVALID_PARAMETER) ras.Reset(LoadLibraryA(path.c_str()));
     if (!ras) return false;
     auto enumEntries = reinterpret_cast<RasEnumEntriesAFn>(
         reinterpret_cast<void*>(GetProcAddress(ras.Get(), "RasEnumEntriesA")));

@@ -144,7 +144,8 @@ HRESULT OpenUrlInBrowser(const std::wstring& url, bool* opened) {
   return Guarded([&] {
     // An address is data: one that a browser would read as an option is
     // not opened at all.
-    if (!url.empty() && (url[0] == L'-' || url[0] == L'/')) return S_OK;
+    const size_t first = url.find_first_not_of(L' ');
+    if (first != std::wstring::npos && (url[first] == L'-' || url[first] == L'/')) return S_OK;
     if (!IsInternetReachable()) {
       YieldToPendingMessages();
       // The address is not opened afterwards even when a connection is made:
@@ -167,8 +168,12 @@ std::wstring WebConnectAddress(const std::wstring& argument) {
 }
 
 std::wstring AddressArgument(const std::wstring& url) {
-  std::wstring argument;
-  for (size_t i = 0; i < url.size(); ++i) {
+  // Blanks around the address only separate it from the path: kept as they are.
+  const size_t first = url.find_first_not_of(L' ');
+  if (first == std::wstring::npos) return url;
+  const size_t end = url.find_last_not_of(L' ') + 1;
+  std::wstring argument = url.substr(0, first);
+  for (size_t i = first; i < end; ++i) {
     const wchar_t c = url[i];
     char ansi[8];
     BOOL inexact = FALSE;
@@ -188,7 +193,7 @@ std::wstring AddressArgument(const std::wstring& url) {
     }
     if (pair) ++i;
   }
-  return argument;
+  return argument + url.substr(end);
 }
 
 std::wstring BrowserCommandLine(const std::wstring& browser, const std::wstring& argument) {

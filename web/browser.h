@@ -28,7 +28,8 @@ std::wstring WebConnectAddress(const std::wstring& argument);
 // An address as one command-line argument that cannot end or add to itself:
 // blanks, control characters, quotes and whatever the ANSI code page cannot
 // hold exactly (so no full-width quote turns into a quote) are
-// percent-encoded as UTF-8. A well-formed address stays as it is.
+// percent-encoded as UTF-8. Blanks around it stay, and so does a well-formed
+// address.
 std::wstring AddressArgument(const std::wstring& url);
 
 // The command line that starts browser with argument: the two joined by one

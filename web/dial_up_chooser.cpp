@@ -72,11 +72,20 @@ class DialUpChooser {
     std::wstring name(static_cast<size_t>(length) + 1, L'\0');
     SendMessageW(combo, CB_GETLBTEXT, index, reinterpret_cast<LPARAM>(&name[0]));
     name.resize(static_cast<size_t>(length));
-    if (!CurrentPlatform().StartProcess(kRnaDialCommand + name, SW_SHOWNORMAL)) WarnNotConfigured();
+    if (!CurrentPlatform().StartProcess(RnaDialCommand(name), SW_SHOWNORMAL)) WarnNotConfigured();
   }
 };
 
 }  // namespace
+
+std::wstring RnaDialCommand(const std::wstring& entry) {
+  wchar_t windows[MAX_PATH] = {}, system[MAX_PATH] = {};
+  const UINT windowsLength = GetWindowsDirectoryW(windows, MAX_PATH);
+  const UINT systemLength = GetSystemDirectoryW(system, MAX_PATH);
+  if (windowsLength == 0 || windowsLength >= MAX_PATH || systemLength == 0 || systemLength >= MAX_PATH) return L"";
+  return L"\"" + std::wstring(windows, windowsLength) + L"\\rundll.exe\" " + std::wstring(system, systemLength) +
+         L"\\rnaui.dll,RnaDial \"" + entry + L"\"";
+}
 
 void ShowDialUpChooser() {
   Store& store = CurrentStore();

@@ -3,11 +3,15 @@
 #pragma once
 
 #include <windows.h>
+#include <string>
 
 namespace brevantis {
 
-// The command that dials an entry; the space before the name is part of it.
-constexpr wchar_t kRnaDialCommand[] = L"rundll rnaui.dll,RnaDial ";
+// The command that dials entry through the shell's dial-up dialog: rundll
+// from the Windows folder and rnaui.dll from the system folder by their full
+// paths (never a planted copy in the host's folder or the current one), the
+// entry's name quoted.
+std::wstring RnaDialCommand(const std::wstring& entry);
 
 // Shows the chooser modally (made on first need and kept in the store for the
 // thread) and returns when it is unloaded.

@@ -7,6 +7,7 @@
 #include "form_probe.h"
 #include "forms/forms.h"
 #include "forms/forms_resources.h"
+#include "com/text.h"
 #include "screens_fixture.h"
 
 using namespace brevantis;
@@ -134,7 +135,7 @@ TEST_F(ProgramAbout, PlaysTheSoundEachTimeItIsActivatedNeverInTheSplash) {
   ASSERT_EQ(3u, platform_.sounds.size()) << "shown, then activated twice";
   for (const auto& sound : platform_.sounds) {
     EXPECT_EQ(L"  ", sound.path);
-    EXPECT_EQ(static_cast<UINT>(SND_ASYNC), sound.flags);
+    EXPECT_EQ(static_cast<UINT>(SND_ASYNC | SND_NODEFAULT), sound.flags);
   }
 
   platform_.sounds.clear();
@@ -146,11 +147,21 @@ TEST_F(ProgramAbout, PlaysTheSoundEachTimeItIsActivatedNeverInTheSplash) {
   SendMessageW(splash, WM_CLOSE, 0, 0);
   EXPECT_TRUE(platform_.sounds.empty());
 
-  store()[kAboutWavSound].text = L"";
-  FormVisitor silent(kForm, [](HWND form) { Click(form, IDOK); });
+  // Nothing, or a sound on a share: silence.
+  platform_.driveTypes[L"R:\\"] = DRIVE_REMOTE;
+  for (const wchar_t* remote : {L"", L"\\\\server\\share\\ciao.wav", L"//server/share/ciao.wav", L"R:\\ciao.wav"}) {
+    store()[kAboutWavSound].text = remote;
+    FormVisitor silent(kForm, [](HWND form) { Click(form, IDOK); });
+    ShowProgramAboutBox();
+    silent.Join();
+    EXPECT_TRUE(platform_.sounds.empty()) << ToAnsi(remote);
+  }
+  store()[kAboutWavSound].text = L"C:\\suoni\\ciao.wav";
+  FormVisitor local(kForm, [](HWND form) { Click(form, IDOK); });
   ShowProgramAboutBox();
-  silent.Join();
-  EXPECT_TRUE(platform_.sounds.empty());
+  local.Join();
+  ASSERT_EQ(1u, platform_.sounds.size());
+  EXPECT_EQ(L"C:\\suoni\\ciao.wav", platform_.sounds[0].path);
 }
 
 TEST_F(ProgramAbout, TheLogoOpensWebSiteURLUntrimmedUnlessBlank) {

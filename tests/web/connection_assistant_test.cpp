@@ -178,7 +178,11 @@ TEST_F(ConnectionAssistant, Windows95TakesTheChooserAndOkDialsTheChosenEntry) {
   EXPECT_EQ((std::vector<std::wstring>{L"Ufficio", L"Casa"}), items);
   EXPECT_EQ(0, selected);
   ASSERT_EQ(1u, platform_.processes.size());
-  EXPECT_EQ(L"rundll rnaui.dll,RnaDial Casa", platform_.processes[0].commandLine);
+  wchar_t windows[MAX_PATH] = {}, system[MAX_PATH] = {};
+  GetWindowsDirectoryW(windows, MAX_PATH);
+  GetSystemDirectoryW(system, MAX_PATH);
+  EXPECT_EQ(L"\"" + std::wstring(windows) + L"\\rundll.exe\" " + system + L"\\rnaui.dll,RnaDial \"Casa\"",
+            platform_.processes[0].commandLine);
   EXPECT_EQ(1, platform_.processes[0].showCommand);
   EXPECT_TRUE(platform_.dials.empty());
   EXPECT_EQ(kQuestion, platform_.messages.at(0).text);
