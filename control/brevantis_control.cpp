@@ -61,6 +61,7 @@ STDMETHODIMP BrevantisControl::ShowSplashScreen() { return Guarded([] { return S
 // A page that could not be opened reaches the host as the Error event; only
 // a probe file that cannot be written comes back as an automation error.
 STDMETHODIMP BrevantisControl::WebConnect(BSTR url) {
+  const ComPtr<_Brevantis> self(this);  // a handler of the event may let go of the control
   return Guarded([&] {
     bool opened = false;
     const HRESULT hr = OpenUrlInBrowser(WebConnectAddress(FromBstr(url)), &opened);
@@ -71,6 +72,7 @@ STDMETHODIMP BrevantisControl::WebConnect(BSTR url) {
 }
 
 STDMETHODIMP BrevantisControl::OpenCD() {
+  const ComPtr<_Brevantis> self(this);  // a handler of the event may let go of the control
   return Guarded([&] {
     CdOutcome outcome = CdOutcome::Opened;
     const HRESULT hr = OpenCatalogueOnCd(&outcome);

@@ -59,6 +59,7 @@ HRESULT CryptoFilterBox::FinalConstruct() {
 }
 
 STDMETHODIMP CryptoFilterBox::Sign() {
+  const ComPtr<_clsCryptoFilterBox> self(this);  // held through its message boxes
   return Guarded([&] {
     status_ = 0;
     signature_.clear();
@@ -69,6 +70,7 @@ STDMETHODIMP CryptoFilterBox::Sign() {
 }
 
 STDMETHODIMP CryptoFilterBox::Validate() {
+  const ComPtr<_clsCryptoFilterBox> self(this);  // held through its message boxes
   return Guarded([&] {
     status_ = 0;
     bool confirmed = false;
@@ -80,6 +82,7 @@ STDMETHODIMP CryptoFilterBox::Validate() {
 }
 
 STDMETHODIMP CryptoFilterBox::Encrypt() {
+  const ComPtr<_clsCryptoFilterBox> self(this);  // held through its message boxes
   return Guarded([&] {
     // OutBuffer keeps the last result until a key is made: callers of
     // Encrypt have always been able to see it there after a failure.
@@ -91,6 +94,7 @@ STDMETHODIMP CryptoFilterBox::Encrypt() {
 }
 
 STDMETHODIMP CryptoFilterBox::Decrypt() {
+  const ComPtr<_clsCryptoFilterBox> self(this);  // held through its message boxes
   return Guarded([&] {
     status_ = 0;
     outBuffer_.clear();

@@ -87,6 +87,27 @@ TEST_F(ControlWeb, WithoutABrowserError200ReachesTheSink) {
   EXPECT_EQ(kNoBrowser, sink_->events[0].text);
 }
 
+// A handler may let go of the control: the control holds itself until the
+// method that raised the event returns. The sink's references tell: the
+// control's connection holds one as long as the control lives.
+TEST_F(ControlWeb, AHandlerThatReleasesTheControlLeavesItUntilTheMethodReturns) {
+  const auto references = [&] {
+    IDispatch* sink = sink_.As<IDispatch>();
+    sink->AddRef();
+    return sink->Release();
+  };
+  const ULONG idle = references();
+  _Brevantis* control = control_.Detach();
+  ULONG inHandler = 0;
+  sink_->onError = [&] {
+    control->Release();
+    inHandler = references();
+  };
+  EXPECT_EQ(S_OK, control->WebConnect(nullptr));
+  EXPECT_EQ(idle + 1, inHandler) << "still connected, and the event's own reference";
+  EXPECT_EQ(idle - 1, references()) << "gone with the control once WebConnect returned";
+}
+
 TEST_F(ControlWeb, AnErrorInsideTheHandlerIsDropped) {
   int nested = 0;
   sink_->onError = [&] {
