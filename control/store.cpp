@@ -5,10 +5,22 @@
 namespace brevantis {
 namespace {
 
-// Taken when the module loads, before any thread can ask for its store.
-const DWORD g_storeSlot = TlsAlloc();
+// Taken when the module loads, before any thread can ask for its store, and
+// given back when it unloads: a host that loads and unloads the control again
+// and again would otherwise run out of slots. The stores themselves stay:
+// their COM objects may not be released from inside the unload.
+struct TlsSlot {
+  const DWORD index = TlsAlloc();
+  ~TlsSlot() {
+    if (index != TLS_OUT_OF_INDEXES) TlsFree(index);
+  }
+} g_storeSlot;
 
-DWORD StoreSlot() { return g_storeSlot; }
+DWORD StoreSlot() {
+  // No slot left in the process: every call fails as out of memory.
+  if (g_storeSlot.index == TLS_OUT_OF_INDEXES) throw std::bad_alloc();
+  return g_storeSlot.index;
+}
 
 }  // namespace
 

@@ -3,6 +3,8 @@
 // the control's properties through its interfaces.
 #include <gtest/gtest.h>
 
+#include <vector>
+
 #include <ocidl.h>
 #include <olectl.h>
 #include <string>
@@ -301,6 +303,39 @@ TEST_F(ServerEntryPoints, CanUnloadOnlyWithoutObjectsOrLocks) {
   ASSERT_EQ(S_OK, factory->LockServer(FALSE));
   factory.Reset();
   EXPECT_EQ(S_OK, canUnload_());
+}
+
+// A host may load and unload the control again and again: each load takes a
+// thread-local slot for its stores and gives it back when it unloads, so
+// every load leaves the same slots free.
+TEST(ServerModule, UnloadingGivesBackItsThreadSlot) {
+  CoInitialize(nullptr);
+  const auto nextFreeSlot = [] {
+    const DWORD slot = TlsAlloc();
+    TlsFree(slot);
+    return slot;
+  };
+  std::vector<DWORD> freeWhileLoaded;
+  for (int load = 0; load < 3; ++load) {
+    const HMODULE module = LoadLibraryW(BREVANTIS_OCX_PATH);
+    ASSERT_NE(nullptr, module);
+    const auto getClassObject = reinterpret_cast<HRESULT(WINAPI*)(REFCLSID, REFIID, void**)>(
+        reinterpret_cast<void*>(GetProcAddress(module, "DllGetClassObject")));
+    const auto canUnload =
+        reinterpret_cast<HRESULT(WINAPI*)()>(reinterpret_cast<void*>(GetProcAddress(module, "DllCanUnloadNow")));
+    {
+      ComPtr<IClassFactory> factory;
+      ASSERT_EQ(S_OK, getClassObject(CLSID_Brevantis, IID_IClassFactory, factory.OutVoid()));
+      ComPtr<_Brevantis> control;
+      ASSERT_EQ(S_OK, factory->CreateInstance(nullptr, IID__Brevantis, control.OutVoid()));
+      ASSERT_EQ(S_OK, control->put_ProgramName(Bstr(L"Atlante").Get()));  // the thread's store is made
+    }
+    freeWhileLoaded.push_back(nextFreeSlot());
+    ASSERT_EQ(S_OK, canUnload());
+    FreeLibrary(module);
+  }
+  EXPECT_EQ(std::vector<DWORD>(3, freeWhileLoaded[0]), freeWhileLoaded);
+  CoUninitialize();
 }
 
 }  // namespace
