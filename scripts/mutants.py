@@ -265,8 +265,8 @@ def queues(by_folder, seed):
     return result
 
 
-def plan(queues_by_folder, folders, count):
-    """Round robin over the folders: (folder, position in its queue)."""
+def plan(folders, count):
+    """The folder of each mutant: the folders in turn."""
     return [folders[i % len(folders)] for i in range(count)]
 
 
@@ -373,9 +373,9 @@ def main():
     p.add_argument("--all-tests", action="store_true", help="run the whole suite for each mutant")
     p.add_argument("--list", action="store_true", help="print the mutants in the order tried; build nothing")
     p.add_argument("--work-dir", default=str(repo / "build-mutants"))
-    p.add_argument("--timeout-factor", type=float, default=3.0,
+    p.add_argument("--timeout-factor", type=float, default=2.0,
                    help="a mutant's tests may take this many times the baseline, "
-                        "and at least 40 s (default 3)")
+                        "and at least 40 s (default 2)")
     args = p.parse_args()
     folders = [f for f in args.folders.split(",") if f]
     for f in folders:
@@ -384,7 +384,7 @@ def main():
 
     by_folder = all_candidates(repo, folders)
     order = queues(by_folder, args.seed)
-    picks = plan(order, folders, args.count)
+    picks = plan(folders, args.count)
     if args.list:
         total = sum(len(v) for v in by_folder.values())
         print(f"seed {args.seed}: {total} candidate mutants in {', '.join(folders)}")
