@@ -150,6 +150,7 @@ LOGIC = {" && ": " || ", " || ": " && "}
 CALL = re.compile(r"^\s*(?:::)?[A-Za-z_][\w]*(?:(?:::|\.|->)[A-Za-z_~][\w]*)*\s*\(.*\)\s*;\s*$")
 NOT_CALLS = {"return", "delete", "throw", "if", "while", "for", "switch", "sizeof",
              "static_assert", "case", "goto", "co_return", "co_yield", "co_await"}
+DECLARATION = re.compile(r"^\s*(?:const\s+)?[A-Za-z_][\w:<>]*[\s*&]+[A-Za-z_]\w*\s*=(?!=)")
 NUMBER = re.compile(r"(?<![\w.])(0[xX][0-9A-Fa-f]+|\d+)([uUlL]*)(?![\w.'])")
 DEFAULT_RETURN = {"HRESULT": "E_FAIL", "STDMETHODIMP": "E_FAIL", "bool": "false",
                   "BOOL": "FALSE", "void": ""}
@@ -187,6 +188,8 @@ def candidates(root, rel):
             if close < 0 or "constexpr" in text[m.start():open_at]:
                 continue
             cond = lines[idx][open_at + 1:close]
+            if ";" in cond or DECLARATION.match(cond):
+                continue   # if (T x = ...) or if (init; cond): no place for a "!"
             add(idx, open_at + 1, "negate", cond, "!(" + cond + ")")
         if not stripped.startswith("case ") and not re.search(r"\[\s*\]\s*=|\w\s*\[[^\]]*\]\s*=\s*\{", text):
             for m in NUMBER.finditer(text):
