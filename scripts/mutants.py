@@ -295,6 +295,8 @@ class Runner:
         self.build = self.work / f"build{args.bits}"
         self.log = self.work / "log"
         self.log.mkdir(parents=True, exist_ok=True)
+        for old in self.log.glob("*.log"):   # a run's logs only
+            old.unlink()
         self.jobs = str(os.cpu_count() or 2)
 
     def copy_sources(self):
