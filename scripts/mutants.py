@@ -99,8 +99,12 @@ def code_only(lines):
                 continue
             if c in "\"'":
                 if c == "'" and i > 0 and text[i - 1].isalnum():
-                    i += 1   # a digit separator, 1'000
-                    continue
+                    start = i - 1
+                    while start > 0 and (text[start - 1].isalnum() or text[start - 1] == "'"):
+                        start -= 1
+                    if text[start].isdigit():
+                        i += 1   # a digit separator, 1'000 (but L'x' is a literal)
+                        continue
                 j = i + 1
                 while j < n and text[j] != c:
                     j += 2 if text[j] == "\\" else 1
@@ -324,6 +328,11 @@ class Runner:
                 proc.wait()
                 self.stop_wine()
                 return None
+            except BaseException:   # interrupted: the build or tests go too
+                os.killpg(proc.pid, signal.SIGKILL)
+                proc.wait()
+                self.stop_wine()
+                raise
 
     def stop_wine(self):
         """After a timeout: the Wine processes of this build's own prefixes."""
@@ -367,6 +376,8 @@ class Runner:
 
 
 def main():
+    # Stopped with kill as with Ctrl-C: the mutated file is put back.
+    signal.signal(signal.SIGTERM, signal.default_int_handler)
     repo = Path(__file__).resolve().parent.parent
     p = argparse.ArgumentParser(prog="mutants.sh", description=__doc__.split("\n\n")[0])
     p.add_argument("--seed", type=int, default=1, help="picks the mutants (default 1)")
