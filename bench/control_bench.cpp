@@ -11,7 +11,7 @@
 
 #include "BrevantisLib_h.h"
 #include "com/raii.h"
-#include "test_container.h"
+#include "testkit/test_container.h"
 
 using namespace brevantis;
 using brevantis::testing::Owned;

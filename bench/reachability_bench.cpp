@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "local_http_server.h"
+#include "testkit/local_http_server.h"
 #include "web/browser.h"
 #include "web/reachability.h"
 

@@ -1,5 +1,7 @@
+#include "com/class_factory.h"
+#include "com/failure.h"
+
 #include "com/object.h"
-#include "com/server.h"
 
 namespace brevantis {
 namespace {
@@ -36,16 +38,9 @@ const InterfaceEntry* ClassFactory::Interfaces() { return kClassFactoryInterface
 
 HRESULT CreateClassFactory(const ServerClass& serverClass, REFIID iid, void** out) {
   ComPtr<IClassFactory> factory;
-  HRESULT hr = ComObject<ClassFactory>::Create(IID_IClassFactory, factory.OutVoid());
-  if (FAILED(hr)) return hr;
+  RETURN_IF_FAILED(ComObject<ClassFactory>::Create(IID_IClassFactory, factory.OutVoid()));
   static_cast<ClassFactory*>(factory.Get())->Bind(&serverClass);
   return factory->QueryInterface(iid, out);
-}
-
-const ServerClass* FindServerClass(REFCLSID clsid) {
-  for (const ServerClass* c = ServerClasses(); c->clsid; ++c)
-    if (IsEqualCLSID(clsid, *c->clsid)) return c;
-  return nullptr;
 }
 
 }  // namespace brevantis

@@ -2,7 +2,7 @@
 
 #include <olectl.h>
 
-#include "com/guard.h"
+#include "com/failure.h"
 
 namespace brevantis {
 namespace {

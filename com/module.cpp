@@ -1,4 +1,5 @@
 #include "com/module.h"
+#include "com/failure.h"
 
 #include "com/raii.h"
 
@@ -42,8 +43,7 @@ HRESULT LoadOwnTypeLib(ITypeLib** out) {
   *out = nullptr;
   if (!g_typeLib) {
     ITypeLib* lib = nullptr;
-    const HRESULT hr = LoadTypeLibEx(ThisModulePath().c_str(), REGKIND_NONE, &lib);
-    if (FAILED(hr)) return hr;
+    RETURN_IF_FAILED(LoadTypeLibEx(ThisModulePath().c_str(), REGKIND_NONE, &lib));
     if (InterlockedCompareExchangePointer(reinterpret_cast<void**>(&g_typeLib), lib, nullptr) != nullptr)
       lib->Release();
   }
@@ -56,11 +56,9 @@ HRESULT GetOwnTypeInfo(REFIID iid, ITypeInfo** out) {
   if (!out) return E_POINTER;
   *out = nullptr;
   ComPtr<ITypeLib> lib;
-  HRESULT hr = LoadOwnTypeLib(lib.Out());
-  if (FAILED(hr)) return hr;
+  RETURN_IF_FAILED(LoadOwnTypeLib(lib.Out()));
   ComPtr<ITypeInfo> info;
-  hr = lib->GetTypeInfoOfGuid(iid, info.Out());
-  if (FAILED(hr)) return hr;
+  RETURN_IF_FAILED(lib->GetTypeInfoOfGuid(iid, info.Out()));
   // A dual interface is found as its dispatch description; Invoke needs the
   // vtable description it refers to (reference -1).
   HREFTYPE vtableRef = 0;

@@ -9,6 +9,7 @@
 #include <new>
 
 #include "com/module.h"
+#include "com/failure.h"
 #include "com/raii.h"
 
 namespace brevantis {
@@ -103,8 +104,7 @@ class DispatchImpl : public Itf {
   STDMETHODIMP Invoke(DISPID id, REFIID, LCID, WORD flags, DISPPARAMS* params, VARIANT* result,
                       EXCEPINFO* exception, UINT* argError) override {
     ComPtr<ITypeInfo> info;
-    const HRESULT hr = GetOwnTypeInfo(__uuidof(Itf), info.Out());
-    if (FAILED(hr)) return hr;
+    RETURN_IF_FAILED(GetOwnTypeInfo(__uuidof(Itf), info.Out()));
     return info->Invoke(static_cast<Itf*>(this), id, flags, params, result, exception, argError);
   }
 };

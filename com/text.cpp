@@ -35,6 +35,13 @@ void AppendAnsi(const std::wstring& text, std::string* bytes) {
   if (written < text.size()) bytes->resize(start + text.size(), '\0');
 }
 
+std::string ToUtf8(const std::wstring& text) {
+  const int length = text.size() < INT_MAX / 4 ? static_cast<int>(text.size()) : 0;
+  std::string bytes(length ? WideCharToMultiByte(CP_UTF8, 0, text.data(), length, nullptr, 0, nullptr, nullptr) : 0, '\0');
+  if (!bytes.empty()) WideCharToMultiByte(CP_UTF8, 0, text.data(), length, &bytes[0], static_cast<int>(bytes.size()), nullptr, nullptr);
+  return bytes;
+}
+
 std::wstring FromAnsi(const char* bytes, size_t count) {
   std::wstring text;
   AssignFromAnsi(bytes, count, &text);
@@ -54,10 +61,6 @@ void AssignFromAnsi(const char* bytes, size_t count, std::wstring* text) {
   MultiByteToWideChar(CP_ACP, 0, bytes, length, &(*text)[0], needed);
 }
 
-}  // namespace brevantis
-
-namespace brevantis {
-
 std::wstring DecimalText(long long value, unsigned minDigits) {
   unsigned long long magnitude = value < 0 ? 0ull - static_cast<unsigned long long>(value)
                                            : static_cast<unsigned long long>(value);
@@ -69,6 +72,22 @@ std::wstring DecimalText(long long value, unsigned minDigits) {
   if (digits.size() < minDigits) digits.insert(0, minDigits - digits.size(), L'0');
   if (value < 0) digits.insert(digits.begin(), L'-');
   return digits;
+}
+
+std::wstring TrimSpaces(const std::wstring& text) {
+  const size_t first = text.find_first_not_of(L' ');
+  if (first == std::wstring::npos) return std::wstring();
+  return text.substr(first, text.find_last_not_of(L' ') - first + 1);
+}
+
+std::wstring LowerCase(std::wstring text) {
+  if (!text.empty()) CharLowerBuffW(&text[0], static_cast<DWORD>(text.size()));
+  return text;
+}
+
+std::wstring UpperCase(std::wstring text) {
+  if (!text.empty()) CharUpperBuffW(&text[0], static_cast<DWORD>(text.size()));
+  return text;
 }
 
 }  // namespace brevantis

@@ -1,11 +1,13 @@
 // The control's identity: its interfaces, methods, events and class information.
 #include "control/brevantis_control.h"
 
-#include "com/guard.h"
+#include "com/failure.h"
 #include "com/module.h"
 #include "com/text.h"
-#include "control/store.h"
+#include "com/thread_slot.h"
+#include "control/facts.h"
 #include "forms/forms.h"
+#include "model/store.h"
 #include "web/browser.h"
 #include "web/cd_catalogue.h"
 
@@ -14,6 +16,13 @@ namespace {
 
 constexpr short kNoBrowserCode = 200;
 constexpr wchar_t kNoBrowserText[] = L"No default internet browser installed./Browser internet non installato.";
+
+// Whether an Error event is being raised on this thread: one raised from a
+// handler of another is dropped.
+struct ErrorEventState {
+  bool raising = false;
+};
+ThreadSlot<ErrorEventState> g_errorEvents;
 
 }  // namespace
 
@@ -55,17 +64,27 @@ HRESULT BrevantisControl::Create(REFIID iid, void** out) {
   return Guarded([&] { return ComObject<BrevantisControl>::Create(iid, out); });
 }
 
-STDMETHODIMP BrevantisControl::About() { return Guarded([] { return ShowControlAboutBox(); }); }
-STDMETHODIMP BrevantisControl::ShowAbout() { return Guarded([] { return ShowProgramAboutBox(); }); }
-STDMETHODIMP BrevantisControl::ShowSplashScreen() { return Guarded([] { return ShowProgramSplashScreen(); }); }
+STDMETHODIMP BrevantisControl::About() {
+  return Guarded([] {
+    const Store& store = CurrentStore();
+    return ShowControlAboutBox(store[kVersion].text, WebFactsOf(store));
+  });
+}
+STDMETHODIMP BrevantisControl::ShowAbout() {
+  return Guarded([] { return ShowProgramAboutBox(ProgramFactsOf(CurrentStore())); });
+}
+STDMETHODIMP BrevantisControl::ShowSplashScreen() {
+  return Guarded([] { return ShowProgramSplashScreen(ProgramFactsOf(CurrentStore())); });
+}
 // A page that could not be opened reaches the host as the Error event; only
 // a probe file that cannot be written comes back as an automation error.
 STDMETHODIMP BrevantisControl::WebConnect(BSTR url) {
   const ComPtr<_Brevantis> self(this);  // a handler of the event may let go of the control
   return Guarded([&] {
+    const Store& store = CurrentStore();
     bool opened = false;
-    const HRESULT hr = OpenUrlInBrowser(WebConnectAddress(FromBstr(url)), &opened);
-    if (FAILED(hr)) return hr;
+    RETURN_IF_FAILED(OpenUrlInBrowser(WebConnectAddress(FromBstr(url), store[kWebSiteURL].text), WebFactsOf(store),
+                                      &opened));
     if (!opened) RaiseErrorEvent(kNoBrowserCode, kNoBrowserText);
     return S_OK;
   });
@@ -74,28 +93,24 @@ STDMETHODIMP BrevantisControl::WebConnect(BSTR url) {
 STDMETHODIMP BrevantisControl::OpenCD() {
   const ComPtr<_Brevantis> self(this);  // a handler of the event may let go of the control
   return Guarded([&] {
+    const Store& store = CurrentStore();
     CdOutcome outcome = CdOutcome::Opened;
-    const HRESULT hr = OpenCatalogueOnCd(&outcome);
-    if (FAILED(hr)) return hr;
+    RETURN_IF_FAILED(OpenCatalogueOnCd(store[kCDIndexFile].text, WebFactsOf(store), &outcome));
     if (outcome == CdOutcome::NoBrowser) RaiseErrorEvent(kNoBrowserCode, kNoBrowserText);
     return S_OK;
   });
 }
 
 void BrevantisControl::RaiseErrorEvent(short code, const std::wstring& text) {
-  Store& store = CurrentStore();
-  if (store.inErrorEvent) return;
-  store.inErrorEvent = true;
+  ErrorEventState& state = g_errorEvents.Get();
+  if (state.raising) return;
+  const std::vector<ComPtr<IDispatch>> sinks = connectionPoints_.Find(DIID___Brevantis)->Sinks<IDispatch>(IID_IDispatch);
+  state.raising = true;
   // Cleared however the handlers end, so one failing sink silences nothing for good.
   struct ClearFlag {
-    ~ClearFlag() { CurrentStore().inErrorEvent = false; }
-  } clearFlag;
-  std::vector<ComPtr<IDispatch>> sinks;
-  try {
-    sinks = connectionPoints_.Find(DIID___Brevantis)->Sinks<IDispatch>(IID_IDispatch);
-  } catch (...) {
-    return;
-  }
+    bool& raising;
+    ~ClearFlag() { raising = false; }
+  } clearFlag{state.raising};
   for (const ComPtr<IDispatch>& sink : sinks) {
     // Each sink gets its own copies; what a handler writes back is ignored.
     short codeArg = code;
@@ -108,10 +123,7 @@ void BrevantisControl::RaiseErrorEvent(short code, const std::wstring& text) {
     V_VT(&args[1]) = VT_I2 | VT_BYREF;
     V_I2REF(&args[1]) = &codeArg;
     DISPPARAMS params = {args, nullptr, 2, 0};
-    try {
-      sink->Invoke(1, IID_NULL, LOCALE_USER_DEFAULT, DISPATCH_METHOD, &params, nullptr, nullptr, nullptr);
-    } catch (...) {
-    }
+    sink->Invoke(1, IID_NULL, LOCALE_USER_DEFAULT, DISPATCH_METHOD, &params, nullptr, nullptr, nullptr);
     SysFreeString(textArg);
   }
 }

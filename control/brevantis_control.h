@@ -9,7 +9,7 @@
 #include "com/connection_point.h"
 #include "com/error_info.h"
 #include "com/object.h"
-#include "control/properties.h"
+#include "model/properties.h"
 
 namespace brevantis {
 

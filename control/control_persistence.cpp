@@ -2,9 +2,9 @@
 // storages all carry the same named values.
 #include "control/brevantis_control.h"
 
-#include "com/guard.h"
-#include "control/persistence.h"
-#include "control/store.h"
+#include "com/failure.h"
+#include "model/persistence.h"
+#include "model/store.h"
 
 namespace brevantis {
 namespace {

@@ -3,17 +3,12 @@
 
 #include <olectl.h>
 
-#include "com/guard.h"
+#include "com/failure.h"
 #include "com/text.h"
-#include "control/store.h"
+#include "model/control_errors.h"
+#include "model/store.h"
 
 namespace brevantis {
-namespace {
-
-constexpr wchar_t kSource[] = L"BrevantisLib.Brevantis";
-
-}  // namespace
-
 HRESULT BrevantisControl::GetString(Prop p, BSTR* value) {
   if (!value) return E_POINTER;
   return Guarded([&] { return ToBstr(CurrentStore()[p].text, value); });
@@ -24,8 +19,7 @@ HRESULT BrevantisControl::PutString(Prop p, BSTR value) {
     std::wstring text = FromBstr(value);
     const ULONG maxLength = kProperties[p].maxLength;
     if (maxLength && text.size() > maxLength) text.resize(maxLength);
-    const HRESULT hr = CheckWritable(p, &text);
-    if (FAILED(hr)) return hr;
+    RETURN_IF_FAILED(CheckWritable(p, &text));
     CurrentStore()[p].text = std::move(text);
     Changed(p);
     return S_OK;
@@ -40,8 +34,7 @@ HRESULT BrevantisControl::GetLong(Prop p, LONG* value) {
 
 HRESULT BrevantisControl::PutLong(Prop p, LONG value) {
   return Guarded([&] {
-    const HRESULT hr = CheckWritable(p, nullptr);
-    if (FAILED(hr)) return hr;
+    RETURN_IF_FAILED(CheckWritable(p, nullptr));
     CurrentStore()[p].number = value;
     Changed(p);
     return S_OK;
@@ -61,7 +54,7 @@ HRESULT BrevantisControl::PutPicture(Prop p, IPictureDisp* value) {
     // Through IDispatch any object can arrive here: only a picture is taken.
     ComPtr<IPicture> picture;
     if (value && FAILED(value->QueryInterface(IID_IPicture, picture.OutVoid())))
-      return RaiseError(ControlError(481), __uuidof(_Brevantis), kSource, L"Invalid picture");
+      return RaiseControlError(481, L"Invalid picture");
     CurrentStore()[p].picture = ComPtr<IPictureDisp>(value);
     Changed(p);
     return S_OK;
@@ -84,14 +77,12 @@ HRESULT BrevantisControl::CheckWritable(Prop p, const std::wstring* newText) {
       return S_OK;
     case Access::Version:
       if (newText && *newText == CurrentStore()[p].text) return S_OK;
-      return RaiseError(ControlError(383), __uuidof(_Brevantis), kSource,
-                        L"Set not supported (read-only property)");
+      return RaiseControlError(383, L"Set not supported (read-only property)");
     case Access::Environment:
       break;
   }
-  if (IsDesignTime())
-    return RaiseError(ControlError(387), __uuidof(_Brevantis), kSource, L"Set not permitted");
-  return RaiseError(ControlError(382), __uuidof(_Brevantis), kSource, L"Set not supported at runtime");
+  if (IsDesignTime()) return RaiseControlError(387, L"Set not permitted");
+  return RaiseControlError(382, L"Set not supported at runtime");
 }
 
 // Design time when the container's ambient user mode says false; no site,

@@ -7,7 +7,7 @@
 
 #include <algorithm>
 
-#include "com/guard.h"
+#include "com/failure.h"
 #include "com/module.h"
 
 namespace brevantis {
@@ -108,12 +108,11 @@ HRESULT BrevantisControl::ActivateInPlace(IOleClientSite* site, HWND parent, LPC
   if (!site) return E_UNEXPECTED;
   return Guarded([&] {
     ComPtr<IOleInPlaceSite> inPlace;
-    HRESULT hr = site->QueryInterface(IID_IOleInPlaceSite, inPlace.OutVoid());
-    if (FAILED(hr)) return hr;
+    RETURN_IF_FAILED(site->QueryInterface(IID_IOleInPlaceSite, inPlace.OutVoid()));
     if (inPlace->CanInPlaceActivate() != S_OK) return E_FAIL;
-    if (FAILED(hr = inPlace->OnInPlaceActivate())) return hr;
+    RETURN_IF_FAILED(inPlace->OnInPlaceActivate());
     HWND container = parent;
-    if (!container && FAILED(hr = inPlace->GetWindow(&container))) return hr;
+    if (!container) RETURN_IF_FAILED(inPlace->GetWindow(&container));
     RECT rect = position ? *position : RECT{0, 0, 0, 0};
     if (!position) {
       ComPtr<IOleInPlaceFrame> frame;
@@ -206,8 +205,7 @@ STDMETHODIMP BrevantisControl::GetExtent(DWORD aspect, LONG, DVTARGETDEVICE*, LP
 
 STDMETHODIMP BrevantisControl::Advise(IAdviseSink* sink, DWORD* cookie) {
   if (!oleAdvise_) {
-    const HRESULT hr = CreateOleAdviseHolder(oleAdvise_.Out());
-    if (FAILED(hr)) return hr;
+    RETURN_IF_FAILED(CreateOleAdviseHolder(oleAdvise_.Out()));
   }
   return oleAdvise_->Advise(sink, cookie);
 }

@@ -6,23 +6,24 @@
 #include <string>
 
 #include "BrevantisLib_h.h"
-#include "com/dispatch_client.h"
+#include "testkit/dispatch_client.h"
 #include "com/text.h"
-#include "local_http_server.h"
-#include "screen_presenter.h"
+#include "testkit/local_http_server.h"
+#include "demo/screen_presenter.h"
 
 using brevantis::DispatchClient;
+using brevantis::ToUtf8;
 
 namespace {
 
 void Print(const char* label, const std::wstring& value) {
-  std::printf("  %-22s %s\n", label, Utf8(value).c_str());
+  std::printf("  %-22s %s\n", label, ToUtf8(value).c_str());
 }
 
 // Calls a method by name; false (and a line saying why) when it fails.
 bool CallMethod(DispatchClient& object, const wchar_t* name) {
   const HRESULT hr = object.Call(name, DISPATCH_METHOD, nullptr, 0, nullptr);
-  if (FAILED(hr)) std::printf("  %s failed: 0x%08lX\n", Utf8(name).c_str(), static_cast<unsigned long>(hr));
+  if (FAILED(hr)) std::printf("  %s failed: 0x%08lX\n", ToUtf8(name).c_str(), static_cast<unsigned long>(hr));
   return SUCCEEDED(hr);
 }
 
@@ -64,12 +65,12 @@ bool ShowControl() {
   control.PutString(L"CopyrightFromDate", L"1998");
   for (const wchar_t* name : {L"ProgramName", L"Author1", L"CopyrightFromDate", L"CompanyName", L"WebSiteURL",
                               L"SplashScreenInterval", L"CDIndexFile", L"DefaultProgramFolder"}) {
-    Print(Utf8(name).c_str(), control.GetString(name));
+    Print(ToUtf8(name).c_str(), control.GetString(name));
   }
   EXCEPINFO error = {};
   hr = control.PutString(L"OSName", L"Something else", &error);
   std::printf("  %-22s 0x%08lX %s\n", "put OSName ->", static_cast<unsigned long>(error.scode),
-              Utf8(brevantis::FromBstr(error.bstrDescription)).c_str());
+              ToUtf8(brevantis::FromBstr(error.bstrDescription)).c_str());
   SysFreeString(error.bstrSource);
   SysFreeString(error.bstrDescription);
   SysFreeString(error.bstrHelpFile);
@@ -149,7 +150,7 @@ class ErrorPrinter : public IDispatch {
   STDMETHODIMP Invoke(DISPID id, REFIID, LCID, WORD, DISPPARAMS* params, VARIANT*, EXCEPINFO*, UINT*) override {
     if (id == 1 && params && params->cArgs == 2)
       std::printf("    [Error event] %d: %s\n", *V_I2REF(&params->rgvarg[1]),
-                  Utf8(brevantis::FromBstr(*V_BSTRREF(&params->rgvarg[0]))).c_str());
+                  ToUtf8(brevantis::FromBstr(*V_BSTRREF(&params->rgvarg[0]))).c_str());
     return S_OK;
   }
 };

@@ -1,17 +1,12 @@
-#include "screen_presenter.h"
+#include "demo/screen_presenter.h"
 
 #include <cstdio>
 #include <string>
 #include <vector>
 
+#include "com/text.h"
 
-std::string Utf8(const std::wstring& text) {
-  if (text.empty()) return std::string();
-  const int n = WideCharToMultiByte(CP_UTF8, 0, text.data(), static_cast<int>(text.size()), nullptr, 0, nullptr, nullptr);
-  std::string bytes(n > 0 ? n : 0, '\0');
-  if (n > 0) WideCharToMultiByte(CP_UTF8, 0, text.data(), static_cast<int>(text.size()), &bytes[0], n, nullptr, nullptr);
-  return bytes;
-}
+using brevantis::ToUtf8;
 
 namespace {
 
@@ -32,7 +27,7 @@ BOOL CALLBACK PrintChildText(HWND child, LPARAM) {
   GetClassNameW(child, className, 32);
   GetWindowTextW(child, text, 1024);
   if (text[0] && lstrcmpiW(className, L"Static") == 0)
-    std::printf("      | %s\n", Utf8(text).c_str());
+    std::printf("      | %s\n", ToUtf8(text).c_str());
   return TRUE;
 }
 
@@ -54,7 +49,7 @@ void ScreenPresenter::Run() {
       if (!seen_.insert(window).second) continue;
       wchar_t caption[256] = {};
       GetWindowTextW(window, caption, 256);
-      std::printf("    [window] %s\n", Utf8(caption).c_str());
+      std::printf("    [window] %s\n", ToUtf8(caption).c_str());
       EnumChildWindows(window, PrintChildText, 0);
       std::fflush(stdout);
       Sleep(showMilliseconds_);

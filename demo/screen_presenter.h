@@ -9,9 +9,6 @@
 #include <string>
 #include <thread>
 
-// Text for the console the demo prints to: a Linux terminal under Wine reads UTF-8.
-std::string Utf8(const std::wstring& text);
-
 class ScreenPresenter {
  public:
   explicit ScreenPresenter(DWORD showMilliseconds);

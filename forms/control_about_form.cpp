@@ -1,14 +1,13 @@
 #include "forms/control_about_form.h"
 
-#include "control/store.h"
-#include "forms/forms.h"
 #include "forms/forms_resources.h"
 #include "forms/mail.h"
 #include "forms/maker.h"
 #include "forms/picture.h"
 #include "forms/screen_texts.h"
+#include "platform/ui.h"
 #include "web/browser.h"
-#include "web/vb_text.h"
+#include "com/text.h"
 
 namespace brevantis {
 namespace {
@@ -22,8 +21,8 @@ constexpr COLORREF kHoverColour = 0x0000FF;
 
 }  // namespace
 
-ControlAboutForm::ControlAboutForm(std::function<void()> release)
-    : Form(L"frmabout", IDD_ABOUT, std::move(release)) {}
+ControlAboutForm::ControlAboutForm(std::function<void()> release, std::wstring version, WebFacts web)
+    : Form(L"frmabout", IDD_ABOUT, std::move(release)), version_(std::move(version)), web_(std::move(web)) {}
 
 void ControlAboutForm::OnLoad() {
   webSiteColour_ = kLinkColour;
@@ -31,8 +30,8 @@ void ControlAboutForm::OnLoad() {
   SetWindowTextW(Window(), L"About " MAKER_PRODUCT);
   SetItemText(kLabel1 + 0, L"" MAKER_PRODUCT);
   UseBoldFont(kLabel1 + 0, 125);
-  CentreOnScreen();
-  SetItemText(kLabel1 + 1, CurrentStore()[kVersion].text);
+  CentreOnScreen(Window());
+  SetItemText(kLabel1 + 1, version_);
   SetItemText(kLabel1 + 2, ControlCopyrightLine());
   SetItemText(kLabel1 + 6, ControlLegalNotice(ItemText(kLabel1 + 6)));
   SetPicture(IDC_ABOUT_IMAGE1, LoadBitmapPicture(IDB_ABOUT_LOGO));
@@ -100,19 +99,7 @@ void ControlAboutForm::OnCommand(int id, int code) {
 
 void ControlAboutForm::OpenWebSite() {
   bool opened = false;
-  OpenUrlInBrowser(TrimSpaces(ItemText(kWebSiteLink)), &opened);
-}
-
-HRESULT ShowControlAboutBox() {
-  Store& store = CurrentStore();
-  if (!store.aboutForm) store.aboutForm = std::make_shared<ControlAboutForm>([&store] { store.aboutForm.reset(); });
-  const auto form = std::static_pointer_cast<ControlAboutForm>(store.aboutForm);
-  // Asked again while it shows (from a host's timer, say): that one call does nothing.
-  if (form->IsLoaded() && IsWindowVisible(form->Window())) return S_OK;
-  const HRESULT hr = form->ShowModal();
-  form->Unload();
-  if (store.aboutForm == form) store.aboutForm.reset();
-  return hr;
+  OpenUrlInBrowser(TrimSpaces(ItemText(kWebSiteLink)), web_, &opened);
 }
 
 }  // namespace brevantis

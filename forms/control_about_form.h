@@ -5,14 +5,16 @@
 #include <functional>
 
 #include "forms/form_window.h"
+#include "web/facts.h"
 
 namespace brevantis {
 
 class ControlAboutForm final : public Form {
  public:
   // release lets go of the reference that keeps this form when its Timer1
-  // ticks. Nothing enables that timer; its handler is kept all the same.
-  explicit ControlAboutForm(std::function<void()> release);
+  // ticks. Nothing enables that timer; its handler is kept all the same. The
+  // form names version; its links open addresses with web.
+  ControlAboutForm(std::function<void()> release, std::wstring version, WebFacts web);
 
  private:
   void OnLoad() override;
@@ -22,6 +24,8 @@ class ControlAboutForm final : public Form {
   void OpenWebSite();
   COLORREF* LinkColour(int id);
 
+  std::wstring version_;
+  WebFacts web_;
   COLORREF webSiteColour_;
   COLORREF emailColour_;
 };

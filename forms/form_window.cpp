@@ -5,6 +5,7 @@
 #include <new>
 #include <vector>
 
+#include "com/failure.h"
 #include "com/module.h"
 #include "forms/picture.h"
 
@@ -80,8 +81,7 @@ HRESULT Form::Load() {
 }
 
 HRESULT Form::SetCaption(const std::wstring& caption) {
-  const HRESULT hr = Load();
-  if (FAILED(hr)) return hr;
+  RETURN_IF_FAILED(Load());
   SetWindowTextW(window_, caption.c_str());
   return S_OK;
 }
@@ -118,8 +118,7 @@ HRESULT Form::ShowModal() {
 }
 
 HRESULT Form::ShowModeless() {
-  const HRESULT hr = Load();
-  if (FAILED(hr)) return hr;
+  RETURN_IF_FAILED(Load());
   ShowWindow(window_, SW_SHOWNORMAL);
   return S_OK;
 }
@@ -140,14 +139,6 @@ std::wstring Form::ItemText(int id) const {
 void Form::SetItemText(int id, const std::wstring& text) { SetDlgItemTextW(window_, id, text.c_str()); }
 
 void Form::ShowItem(int id, bool visible) { ShowWindow(Item(id), visible ? SW_SHOW : SW_HIDE); }
-
-void Form::CentreOnScreen() {
-  RECT frame;
-  GetWindowRect(window_, &frame);
-  const int left = (GetSystemMetrics(SM_CXSCREEN) - (frame.right - frame.left)) / 2;
-  const int top = (GetSystemMetrics(SM_CYSCREEN) - (frame.bottom - frame.top)) / 2;
-  SetWindowPos(window_, nullptr, left, top, 0, 0, SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
-}
 
 void Form::SetPicture(int id, ComPtr<IPictureDisp> picture) {
   pictures_[id] = std::move(picture);
@@ -200,15 +191,12 @@ INT_PTR CALLBACK Form::Procedure(HWND window, UINT message, WPARAM wParam, LPARA
   if (!form) return FALSE;
   // A handler may unload the form and release the last reference to it.
   const std::shared_ptr<Form> keep = form->weak_from_this().lock();
-  try {
-    return form->Dispatch(message, wParam, lParam);
-  } catch (const std::bad_alloc&) {
-    if (message == WM_INITDIALOG) form->loadResult_ = E_OUTOFMEMORY;
-  } catch (...) {
-    // No exception may cross the system's window procedure.
-    if (message == WM_INITDIALOG) form->loadResult_ = E_UNEXPECTED;
-  }
-  return message == WM_INITDIALOG ? TRUE : FALSE;
+  // A load that failed fails the form's Load.
+  HRESULT failure = S_OK;
+  const INT_PTR result = GuardedMessage<INT_PTR>(message == WM_INITDIALOG ? TRUE : FALSE,
+                                                 [&] { return form->Dispatch(message, wParam, lParam); }, &failure);
+  if (message == WM_INITDIALOG && FAILED(failure)) form->loadResult_ = failure;
+  return result;
 }
 
 INT_PTR Form::Dispatch(UINT message, WPARAM wParam, LPARAM lParam) {
@@ -253,11 +241,11 @@ bool Form::DrawPicture(const DRAWITEMSTRUCT& item) {
 LRESULT CALLBACK Form::ItemProcedure(HWND item, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR,
                                      DWORD_PTR form) {
   if (message == WM_MOUSEMOVE) {
-    try {
+    // Hovering never fails the element's own handling.
+    GuardedMessage(0, [&] {
       reinterpret_cast<Form*>(form)->OnItemMouseMove(GetDlgCtrlID(item));
-    } catch (...) {
-      // Hovering never fails the element's own handling.
-    }
+      return 0;
+    });
   } else if (message == WM_NCDESTROY) {
     RemoveWindowSubclass(item, ItemProcedure, kItemSubclass);
   }

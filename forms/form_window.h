@@ -59,7 +59,6 @@ class Form : public std::enable_shared_from_this<Form> {
   std::wstring ItemText(int id) const;
   void SetItemText(int id, const std::wstring& text);
   void ShowItem(int id, bool visible);
-  void CentreOnScreen();
   // The element draws picture, scaled down to fit when larger (see picture.h).
   void SetPicture(int id, ComPtr<IPictureDisp> picture);
   void SetToolTip(int id, const std::wstring& text);

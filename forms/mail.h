@@ -7,10 +7,6 @@
 
 namespace brevantis {
 
-// A string value read with access mask 0xF0063 into 256 characters; "" when
-// the key or value is missing, longer or unreadable.
-std::wstring ReadRegistryValue(HKEY root, const std::wstring& keyPath, const std::wstring& valueName);
-
 // Starts the mail program with address: the registered command up to and
 // including its first "/", then address. Does nothing when no command is
 // registered or its second character is "%".

@@ -3,14 +3,13 @@
 #include <mmsystem.h>
 
 #include "com/module.h"
-#include "control/store.h"
-#include "forms/forms.h"
 #include "forms/forms_resources.h"
 #include "forms/picture.h"
 #include "forms/screen_texts.h"
+#include "platform/ui.h"
 #include "platform/platform.h"
 #include "web/browser.h"
-#include "web/vb_text.h"
+#include "com/text.h"
 
 namespace brevantis {
 namespace {
@@ -26,26 +25,24 @@ std::wstring LogoFilePath() {
 
 }  // namespace
 
-ProgramAboutForm::ProgramAboutForm(ProgramScreens& screens)
-    : Form(L"frmShowAbout", IDD_SHOWABOUT, [&screens] { screens.form.reset(); }), screens_(screens) {}
+ProgramAboutForm::ProgramAboutForm(ThreadScreens& screens)
+    : Form(L"frmShowAbout", IDD_SHOWABOUT, [&screens] { screens.programAbout.reset(); }), screens_(screens) {}
 
 void ProgramAboutForm::OnLoad() {
-  Store& store = CurrentStore();
-  timerInterval_ = store[kSplashScreenInterval].number;
-  SetPicture(IDC_SHOWABOUT_IMAGE3, store[kProgramIcon].picture);
-  SetPicture(IDC_SHOWABOUT_IMAGE1, store[kProgramPicture].picture);
-  SetItemText(kLabel1 + 0, store[kProgramName].text);
+  SetPicture(IDC_SHOWABOUT_IMAGE3, facts_.icon);
+  SetPicture(IDC_SHOWABOUT_IMAGE1, facts_.picture);
+  SetItemText(kLabel1 + 0, facts_.name);
   UseBoldFont(kLabel1 + 0, 150);
-  SetItemText(IDC_SHOWABOUT_LABEL2, AuthorLine(store[kAuthor1].text));
-  SetItemText(IDC_SHOWABOUT_LABEL3, AuthorLine(store[kAuthor2].text));
-  SetItemText(IDC_SHOWABOUT_LABEL4, AuthorLine(store[kAuthor3].text));
+  SetItemText(IDC_SHOWABOUT_LABEL2, AuthorLine(facts_.authors[0]));
+  SetItemText(IDC_SHOWABOUT_LABEL3, AuthorLine(facts_.authors[1]));
+  SetItemText(IDC_SHOWABOUT_LABEL4, AuthorLine(facts_.authors[2]));
   if (ComPtr<IPictureDisp> logo = LoadPictureFile(LogoFilePath())) SetPicture(IDC_SHOWABOUT_IMAGE1, logo);
-  CentreOnScreen();
-  SetItemText(kLabel1 + 2, ProgramCopyrightLine(store));
-  SetItemText(kLabel1 + 1, ProgramVersionLine(store));
+  CentreOnScreen(Window());
+  SetItemText(kLabel1 + 2, ProgramCopyrightLine(facts_.copyrightFrom, facts_.copyrightTo));
+  SetItemText(kLabel1 + 1, ProgramVersionLine(facts_.major, facts_.minor, facts_.revision));
   SetItemText(kLabel1 + 3, kProgramLegalNotice);
-  SetPicture(IDC_SHOWABOUT_IMAGE2, store[kCompanyLogo].picture);
-  SetToolTip(IDC_SHOWABOUT_IMAGE2, L"Visitate il Sito Web " + store[kCompanyName].text);
+  SetPicture(IDC_SHOWABOUT_IMAGE2, facts_.companyLogo);
+  SetToolTip(IDC_SHOWABOUT_IMAGE2, L"Visitate il Sito Web " + facts_.companyName);
   screens_.aboutShowing = true;
 }
 
@@ -55,7 +52,7 @@ void ProgramAboutForm::OnUnload() {
 }
 
 void ProgramAboutForm::EnableTimer1() {
-  if (timerInterval_ > 0) SetTimer(Window(), kTimer1, static_cast<UINT>(timerInterval_), nullptr);
+  if (facts_.splashInterval > 0) SetTimer(Window(), kTimer1, static_cast<UINT>(facts_.splashInterval), nullptr);
 }
 
 void ProgramAboutForm::HideButtons() {
@@ -105,7 +102,7 @@ bool OnThisMachine(const std::wstring& path) {
     where.assign(current, length);
     if (NamesAShare(where)) return false;
   }
-  return CurrentPlatform().GetDriveType(where.substr(0, 2) + L"\\") != DRIVE_REMOTE;
+  return CurrentPlatform().DriveKind(where.substr(0, 2) + L"\\") != DRIVE_REMOTE;
 }
 
 }  // namespace
@@ -114,18 +111,17 @@ bool OnThisMachine(const std::wstring& path) {
 // splash is silent. Blanks are a name like any other; only local files play,
 // and never the system's default sound in their place.
 void ProgramAboutForm::OnActivate() {
-  const std::wstring& sound = CurrentStore()[kAboutWavSound].text;
+  const std::wstring& sound = facts_.sound;
   if (!screens_.splashMode && !sound.empty() && OnThisMachine(sound))
     CurrentPlatform().PlaySoundFile(sound, SND_ASYNC | SND_NODEFAULT);
 }
 
 void ProgramAboutForm::OnLogoClick() {
-  const std::wstring url = CurrentStore()[kWebSiteURL].text;
-  if (TrimSpaces(url).empty()) return;
+  if (TrimSpaces(facts_.webSite).empty()) return;
   bool opened = false;
   // Nobody waits for the click's outcome: what the user sees is the browser,
   // or the connection assistant when offline.
-  OpenUrlInBrowser(url, &opened);
+  OpenUrlInBrowser(facts_.webSite, facts_.web, &opened);
 }
 
 }  // namespace brevantis

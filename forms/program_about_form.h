@@ -1,21 +1,24 @@
 // frmShowAbout: the host program's about box (modal, with its buttons and
 // sound) and splash screen (modeless, closed by Timer1), filled from the
-// store when it loads.
+// program's facts when it loads.
 #pragma once
 
 #include <windows.h>
 
 #include "forms/form_window.h"
-#include "forms/program_screens.h"
+#include "forms/forms.h"
+#include "forms/screens.h"
 
 namespace brevantis {
 
 class ProgramAboutForm final : public Form {
  public:
-  explicit ProgramAboutForm(ProgramScreens& screens);
+  explicit ProgramAboutForm(ThreadScreens& screens);
 
-  // Starts Timer1 with the interval the load took from SplashScreenInterval;
-  // an interval of 0 or less never ticks.
+  // The facts the next load shows.
+  void Use(const ProgramFacts& facts) { facts_ = facts; }
+  // Starts Timer1 with the interval the facts give; an interval of 0 or less
+  // never ticks.
   void EnableTimer1();
   // Hides cmdSysInfo and Command1.
   void HideButtons();
@@ -29,8 +32,8 @@ class ProgramAboutForm final : public Form {
   void OnLogoClick();
   bool ButtonsShown() const;
 
-  ProgramScreens& screens_;
-  LONG timerInterval_ = 5000;
+  ThreadScreens& screens_;
+  ProgramFacts facts_;
 };
 
 }  // namespace brevantis

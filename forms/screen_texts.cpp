@@ -3,9 +3,9 @@
 #include <windows.h>
 
 #include "com/text.h"
-#include "control/environment.h"
+#include "model/environment.h"
 #include "forms/maker.h"
-#include "web/vb_text.h"
+#include "com/text.h"
 
 namespace brevantis {
 namespace {
@@ -26,21 +26,19 @@ std::wstring CurrentYearText() {
   return DecimalText(now.wYear, 4);
 }
 
-std::wstring ProgramCopyrightLine(Store& store) {
-  std::wstring& from = store[kCopyrightFromDate].text;
-  std::wstring& to = store[kCopyrightToDate].text;
-  from = TrimSpaces(from);
-  to = TrimSpaces(to);
-  if (from.empty()) from = CurrentYearText();
-  if (to.empty()) to = CurrentYearText();
+std::wstring CopyrightYearShown(const std::wstring& year) {
+  const std::wstring trimmed = TrimSpaces(year);
+  return trimmed.empty() ? CurrentYearText() : trimmed;
+}
+
+std::wstring ProgramCopyrightLine(const std::wstring& from, const std::wstring& to) {
   std::wstring line = L"© Copyright " + from;
   if (from != to) line += L" - " + to;
   return line;
 }
 
-std::wstring ProgramVersionLine(const Store& store) {
-  return L"Versione: " +
-         FormatVersion(store[kProgramMajor].number, store[kProgramMinor].number, store[kProgramRevision].number);
+std::wstring ProgramVersionLine(LONG major, LONG minor, LONG revision) {
+  return L"Versione: " + FormatVersion(major, minor, revision);
 }
 
 std::wstring AuthorLine(const std::wstring& author) { return author.substr(0, kAuthorLength); }

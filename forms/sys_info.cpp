@@ -2,14 +2,14 @@
 #include "com/text.h"
 #include "forms/forms.h"
 #include "platform/platform.h"
-#include "platform/registry_access.h"
-#include "web/vb_text.h"
+#include "platform/registry.h"
+#include "com/text.h"
 
 namespace brevantis {
 namespace {
 
 std::wstring MachineValue(const wchar_t* key, const wchar_t* name) {
-  return TrimSpaces(ReadRegistryString(key, name, false, false, true, false, false, false));
+  return TrimSpaces(ReadRegistryText(HKEY_LOCAL_MACHINE, key, name));
 }
 
 // An ordinary file (not a folder, hidden or system file) at exactly path.
@@ -40,19 +40,11 @@ std::wstring SysInfoCommand() {
 }  // namespace
 
 void StartSysInfo() {
-  try {
-    const std::wstring command = SysInfoCommand();
-    if (!command.empty() && CurrentPlatform().StartProcess(command, SW_SHOWNORMAL)) return;
-  } catch (...) {
-    // Whatever failed, the user hears the one message below.
-  }
-  try {
-    // No title of its own: the control's name, as its other messages have.
-    CurrentPlatform().ShowMessage(GetActiveWindow(), L"System Information Is Unavailable At This Time", L"Brevantis",
-                                  MB_OK);
-  } catch (...) {
-    // Called from a button: nothing may escape the window procedure.
-  }
+  const std::wstring command = SysInfoCommand();
+  if (!command.empty() && CurrentPlatform().StartProcess(command, SW_SHOWNORMAL)) return;
+  // No title of its own: the control's name, as its other messages have.
+  CurrentPlatform().ShowMessage(GetActiveWindow(), L"System Information Is Unavailable At This Time", L"Brevantis",
+                                MB_OK);
 }
 
 }  // namespace brevantis

@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "control/property_codec.h"
+#include "model/property_codec.h"
 
 namespace {
 

@@ -8,39 +8,23 @@
 #include <cstdio>
 #include <string>
 
-#include "com/server.h"
+#include "com/text.h"
+#include "server/server.h"
 
 using namespace brevantis;
-
-namespace {
-
-class TsvWriter : public RegistryRowSink {
- public:
-  explicit TsvWriter(FILE* out) : out_(out) {}
-  void Row(const std::wstring& key, const wchar_t* name, const std::wstring& value) const override {
-    std::fprintf(out_, "%s\t%s\t%s\n", Utf8(key).c_str(), Utf8(name ? name : L"").c_str(), Utf8(value).c_str());
-  }
-
- private:
-  static std::string Utf8(const std::wstring& text) {
-    const int size = WideCharToMultiByte(CP_UTF8, 0, text.c_str(), -1, nullptr, 0, nullptr, nullptr);
-    std::string out(size > 0 ? size - 1 : 0, '\0');
-    if (size > 1) WideCharToMultiByte(CP_UTF8, 0, text.c_str(), -1, &out[0], size, nullptr, nullptr);
-    return out;
-  }
-  FILE* out_;
-};
-
-}  // namespace
 
 int wmain(int argc, wchar_t** argv) {
   if (argc != 3) {
     std::fprintf(stderr, "usage: registration_rows OUT.tsv SERVER_PATH\n");
     return 2;
   }
+  std::vector<RegistryRow> rows;
+  if (FAILED(ListRegistrationRows(argv[2], &rows))) return 1;
   FILE* out = _wfopen(argv[1], L"wb");
   if (!out) return 1;
-  const HRESULT hr = ListRegistrationRows(argv[2], TsvWriter(out));
+  for (const RegistryRow& row : rows)
+    std::fprintf(out, "%s\t%s\t%s\n", ToUtf8(row.key).c_str(), ToUtf8(row.name ? row.name : L"").c_str(),
+                 ToUtf8(row.value).c_str());
   std::fclose(out);
-  return SUCCEEDED(hr) ? 0 : 1;
+  return 0;
 }

@@ -25,7 +25,7 @@ class Platform {
   // InternetGetConnectedState; flags receives the connection flags.
   virtual bool GetInternetConnectedState(DWORD* flags) = 0;
   // InternetDialA with the parent window, the connection name and flags.
-  virtual DWORD InternetDial(HWND parent, const std::wstring& connection, DWORD flags, DWORD_PTR* connection_out) = 0;
+  virtual DWORD DialInternet(HWND parent, const std::wstring& connection, DWORD flags, DWORD_PTR* connection_out) = 0;
   // RasEnumEntriesA from rasapi32, loaded at run time. Returns false when the
   // library or the function cannot be loaded; otherwise result receives the
   // call's return code. buffer holds records as RASENTRYNAMEA lays them out.
@@ -33,12 +33,12 @@ class Platform {
   // FindExecutableA with no directory. buffer comes in as the result buffer
   // (its length is the buffer's size) and goes out as all of its bytes,
   // converted back, including what follows the terminating NUL.
-  virtual UINT_PTR FindExecutable(const std::wstring& file, std::wstring* buffer) = 0;
+  virtual UINT_PTR LookUpExecutable(const std::wstring& file, std::wstring* buffer) = 0;
   // GetLogicalDriveStringsA into a buffer of buffer->size() characters, which
   // comes back converted whole; returns the call's result.
-  virtual DWORD GetLogicalDriveStrings(std::wstring* buffer) = 0;
+  virtual DWORD ListDriveRoots(std::wstring* buffer) = 0;
   // GetDriveTypeA.
-  virtual UINT GetDriveType(const std::wstring& root) = 0;
+  virtual UINT DriveKind(const std::wstring& root) = 0;
 };
 
 // The platform in use: the Win32 one unless a test has set another.

@@ -45,7 +45,7 @@ class Win32 final : public Platform {
     return InternetGetConnectedState(flags, 0) != FALSE;
   }
 
-  DWORD InternetDial(HWND parent, const std::wstring& connection, DWORD flags, DWORD_PTR* connection_out) override {
+  DWORD DialInternet(HWND parent, const std::wstring& connection, DWORD flags, DWORD_PTR* connection_out) override {
     std::string name = ToAnsi(connection);
     name.push_back('\0');
     return InternetDialA(parent, &name[0], flags, connection_out, 0);
@@ -68,7 +68,7 @@ class Win32 final : public Platform {
     return true;
   }
 
-  UINT_PTR FindExecutable(const std::wstring& file, std::wstring* buffer) override {
+  UINT_PTR LookUpExecutable(const std::wstring& file, std::wstring* buffer) override {
     std::string bytes = ToAnsi(*buffer);
     bytes.resize(buffer->size() < MAX_PATH ? MAX_PATH : buffer->size(), ' ');  // the shell may write MAX_PATH
     const UINT_PTR code = reinterpret_cast<UINT_PTR>(FindExecutableA(ToAnsi(file).c_str(), nullptr, &bytes[0]));
@@ -76,14 +76,14 @@ class Win32 final : public Platform {
     return code;
   }
 
-  DWORD GetLogicalDriveStrings(std::wstring* buffer) override {
+  DWORD ListDriveRoots(std::wstring* buffer) override {
     std::string bytes(buffer->size() + 1, ' ');
     const DWORD n = GetLogicalDriveStringsA(static_cast<DWORD>(buffer->size()), &bytes[0]);
     *buffer = FromAnsi(bytes.data(), buffer->size());
     return n;
   }
 
-  UINT GetDriveType(const std::wstring& root) override { return GetDriveTypeA(ToAnsi(root).c_str()); }
+  UINT DriveKind(const std::wstring& root) override { return GetDriveTypeA(ToAnsi(root).c_str()); }
 };
 
 }  // namespace

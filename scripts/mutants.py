@@ -18,22 +18,23 @@ import time
 from dataclasses import dataclass
 from pathlib import Path
 
-FOLDERS = ["com", "control", "platform", "web", "forms"]
+FOLDERS = ["com", "platform", "model", "crypto", "web", "forms", "control", "server"]
 
 # The test programs (CTest labels) that exercise each folder. "script" is the
 # cscript tests of the registered control.
 TESTS = {
-    "com": ["com_server_test", "registration_test", "typelib_test", "script",
-            "control_container_test", "readme_examples_test"],
-    "control": ["control_persistence_test", "control_behaviour_test", "control_codec_test",
-                "control_container_test", "control_environment_test", "script",
-                "web_control_events_test"],
-    "platform": ["platform_test", "registry_access_test", "crypto_box_test",
-                 "crypto_clients_test", "crypto_key_container_test"],
+    "com": ["com_server_test", "typelib_test", "script", "control_container_test", "readme_examples_test"],
+    "platform": ["platform_test", "registry_test", "web_cd_test", "forms_launchers_test"],
+    "model": ["control_persistence_test", "control_codec_test", "control_environment_test",
+              "control_behaviour_test", "script"],
+    "crypto": ["crypto_box_test", "crypto_clients_test", "crypto_key_container_test"],
     "web": ["web_assistant_test", "web_browser_test", "web_cd_test", "web_reachability_test",
             "web_control_events_test", "bad_input_test"],
     "forms": ["forms_program_about_test", "forms_control_about_test", "forms_launchers_test",
               "forms_bad_input_test", "forms_through_com_test"],
+    "control": ["control_persistence_test", "control_behaviour_test", "control_container_test", "script",
+                "web_control_events_test", "forms_through_com_test"],
+    "server": ["registration_test", "com_server_test"],
 }
 
 # Programs the tests run besides the labelled ones (fixture set-ups).

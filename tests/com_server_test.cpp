@@ -11,9 +11,9 @@
 #include <thread>
 
 #include "BrevantisLib_h.h"
-#include "com/dispatch_client.h"
+#include "testkit/dispatch_client.h"
 #include "com/raii.h"
-#include "message_box_watcher.h"
+#include "testkit/message_box_watcher.h"
 #include "test_paths.h"
 
 using namespace brevantis;

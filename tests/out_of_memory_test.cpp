@@ -22,10 +22,10 @@
 #include "com/raii.h"
 #include "com/text.h"
 #include "control/brevantis_control.h"
-#include "platform/crypto_filter_box.h"
+#include "crypto/filter_box.h"
 #include "platform/platform.h"
-#include "recording_platform.h"
-#include "test_container.h"
+#include "testkit/recording_platform.h"
+#include "testkit/test_container.h"
 
 namespace {
 
@@ -74,7 +74,7 @@ class QuietPlatform : public Platform {
     *flags = 0;
     return false;
   }
-  DWORD InternetDial(HWND, const std::wstring&, DWORD, DWORD_PTR* connection) override {
+  DWORD DialInternet(HWND, const std::wstring&, DWORD, DWORD_PTR* connection) override {
     *connection = 0;
     return ERROR_CANCELLED;
   }
@@ -83,9 +83,9 @@ class QuietPlatform : public Platform {
     *result = 0;
     return true;
   }
-  UINT_PTR FindExecutable(const std::wstring&, std::wstring*) override { return SE_ERR_NOASSOC; }
-  DWORD GetLogicalDriveStrings(std::wstring*) override { return 0; }
-  UINT GetDriveType(const std::wstring&) override { return DRIVE_FIXED; }
+  UINT_PTR LookUpExecutable(const std::wstring&, std::wstring*) override { return SE_ERR_NOASSOC; }
+  DWORD ListDriveRoots(std::wstring*) override { return 0; }
+  UINT DriveKind(const std::wstring&) override { return DRIVE_FIXED; }
 };
 
 // A property bag of fixed names: reads copy out, writes copy into a name it

@@ -36,14 +36,14 @@ bool WaitForFile(const std::wstring& path) {
 
 TEST(Win32Platform, DriveListHoldsRootsSeparatedByNuls) {
   std::wstring buffer(64, L' ');
-  const DWORD n = Win32Platform().GetLogicalDriveStrings(&buffer);
+  const DWORD n = Win32Platform().ListDriveRoots(&buffer);
   ASSERT_GT(n, 0u);
   ASSERT_LT(n, 64u);
   const std::wstring list = buffer.substr(0, n);
   EXPECT_NE(std::wstring::npos, list.find(std::wstring(L"C:\\\0", 4)));
   EXPECT_EQ(L'\0', list.back());
-  EXPECT_EQ(static_cast<UINT>(DRIVE_FIXED), Win32Platform().GetDriveType(L"C:\\"));
-  EXPECT_EQ(static_cast<UINT>(DRIVE_NO_ROOT_DIR), Win32Platform().GetDriveType(L"Q:\\"));
+  EXPECT_EQ(static_cast<UINT>(DRIVE_FIXED), Win32Platform().DriveKind(L"C:\\"));
+  EXPECT_EQ(static_cast<UINT>(DRIVE_NO_ROOT_DIR), Win32Platform().DriveKind(L"Q:\\"));
 }
 
 TEST(Win32Platform, FindsTheProgramThatOpensAFile) {
@@ -54,7 +54,7 @@ TEST(Win32Platform, FindsTheProgramThatOpensAFile) {
   const std::wstring probe = TempFile(L"platform_probe.brvtest");
   WriteFile(probe, "probe");
   std::wstring buffer(255, L' ');
-  const UINT_PTR code = Win32Platform().FindExecutable(probe, &buffer);
+  const UINT_PTR code = Win32Platform().LookUpExecutable(probe, &buffer);
   DeleteFileW(probe.c_str());
   RegDeleteTreeW(HKEY_CLASSES_ROOT, L"BrevantisTestFile");
   RegDeleteTreeW(HKEY_CLASSES_ROOT, L".brvtest");
@@ -71,7 +71,7 @@ TEST(Win32Platform, FindsTheProgramThatOpensAFile) {
 
 TEST(Win32Platform, AMissingFileHasNoProgram) {
   std::wstring buffer(255, L' ');
-  EXPECT_LE(Win32Platform().FindExecutable(TempFile(L"no_such_file.htm"), &buffer), 32u);
+  EXPECT_LE(Win32Platform().LookUpExecutable(TempFile(L"no_such_file.htm"), &buffer), 32u);
 }
 
 TEST(Win32Platform, ConnectionStateAndDialUpLibraryAnswer) {

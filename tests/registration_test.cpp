@@ -8,7 +8,7 @@
 
 #include "BrevantisLib_h.h"
 #include "com/raii.h"
-#include "registry_snapshot.h"
+#include "testkit/registry_snapshot.h"
 #include "test_paths.h"
 
 using namespace brevantis;

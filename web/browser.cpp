@@ -4,14 +4,14 @@
 
 #include <atomic>
 
-#include "com/guard.h"
+#include "com/failure.h"
 #include "com/raii.h"
 #include "com/text.h"
-#include "control/store.h"
 #include "platform/platform.h"
+#include "platform/ui.h"
 #include "web/connection_assistant.h"
 #include "web/file_error.h"
-#include "web/vb_text.h"
+#include "com/text.h"
 
 namespace brevantis {
 namespace {
@@ -22,8 +22,7 @@ constexpr size_t kBrowserBufferLength = 255;
 constexpr char kProbeContents[] = "\"<HTML> <\\HTML>\"\r\n";
 
 // The temporary folder the control learnt when loaded, else the system's.
-std::wstring TemporaryFolder() {
-  std::wstring folder = CurrentStore()[kWinTempDir].text;
+std::wstring TemporaryFolder(std::wstring folder) {
   if (!folder.empty()) return folder;
   wchar_t path[MAX_PATH + 1] = {};
   const DWORD length = GetTempPathW(MAX_PATH + 1, path);
@@ -93,52 +92,24 @@ std::wstring BrowserPathFromBuffer(const std::wstring& buffer, UINT_PTR code) {
   return path;
 }
 
-// Lets the host's pending window messages run once before the assistant
-// shows, as a DoEvents would.
-void YieldToPendingMessages() {
-  MSG message;
-  while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) {
-    if (message.message == WM_QUIT) {
-      PostQuitMessage(static_cast<int>(message.wParam));  // leave it for the host's own loop
-      return;
-    }
-    TranslateMessage(&message);
-    DispatchMessageW(&message);
-  }
-}
-
-// The hidden window that owns the dial dialog, made on first need and kept
-// in the store for the thread.
-HWND AssistantOwner() {
-  Store& store = CurrentStore();
-  HWND window = static_cast<HWND>(store.assistantOwner.get());
-  if (window && IsWindow(window)) return window;
-  window = CreateWindowExW(0, L"STATIC", L"", WS_POPUP, 0, 0, 0, 0, nullptr, nullptr, nullptr, nullptr);
-  store.assistantOwner.reset();
-  if (window) store.assistantOwner = std::shared_ptr<void>(window, [](void* w) { DestroyWindow(static_cast<HWND>(w)); });
-  return window;
-}
-
 }  // namespace
 
-HRESULT FindDefaultBrowser(std::wstring* browser) {
+HRESULT FindDefaultBrowser(const std::wstring& tempFolder, std::wstring* browser) {
   if (!browser) return E_POINTER;
   browser->clear();
   return Guarded([&] {
     ProbeFile probe;
-    HRESULT hr = probe.Write(TemporaryFolder());
-    if (FAILED(hr)) return hr;
+    RETURN_IF_FAILED(probe.Write(TemporaryFolder(tempFolder)));
     std::wstring buffer(kBrowserBufferLength, L' ');
-    const UINT_PTR code = CurrentPlatform().FindExecutable(FromAnsi(probe.Path()), &buffer);
+    const UINT_PTR code = CurrentPlatform().LookUpExecutable(FromAnsi(probe.Path()), &buffer);
     std::wstring found = BrowserPathFromBuffer(buffer, code);
-    hr = probe.Delete();
-    if (FAILED(hr)) return hr;
+    RETURN_IF_FAILED(probe.Delete());
     *browser = std::move(found);
     return S_OK;
   });
 }
 
-HRESULT OpenUrlInBrowser(const std::wstring& url, bool* opened) {
+HRESULT OpenUrlInBrowser(const std::wstring& url, const WebFacts& facts, bool* opened) {
   if (!opened) return E_POINTER;
   *opened = false;
   return Guarded([&] {
@@ -147,24 +118,25 @@ HRESULT OpenUrlInBrowser(const std::wstring& url, bool* opened) {
     const size_t first = url.find_first_not_of(L' ');
     if (first != std::wstring::npos && (url[first] == L'-' || url[first] == L'/')) return S_OK;
     if (!IsInternetReachable()) {
-      YieldToPendingMessages();
+      // The host's pending messages run once before the assistant shows.
+      RunPendingMessages();
       // The address is not opened afterwards even when a connection is made:
       // the user asks again.
-      if (!CurrentStore().dialUpUnavailable) ShowConnectionAssistant(AssistantOwner());
+      ShowConnectionAssistant(facts);
       return S_OK;
     }
     std::wstring browser;
-    const HRESULT hr = FindDefaultBrowser(&browser);
-    if (FAILED(hr) || browser.empty()) return hr;
+    RETURN_IF_FAILED(FindDefaultBrowser(facts.tempFolder, &browser));
+    if (browser.empty()) return S_OK;
     // A browser that the system cannot start has not opened the page either.
     *opened = CurrentPlatform().StartProcess(BrowserCommandLine(browser, AddressArgument(url)), SW_SHOWNORMAL);
     return S_OK;
   });
 }
 
-std::wstring WebConnectAddress(const std::wstring& argument) {
+std::wstring WebConnectAddress(const std::wstring& argument, const std::wstring& webSite) {
   std::wstring address = TrimSpaces(argument);
-  return address.empty() ? CurrentStore()[kWebSiteURL].text : address;
+  return address.empty() ? webSite : address;
 }
 
 std::wstring AddressArgument(const std::wstring& url) {

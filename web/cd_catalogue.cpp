@@ -4,13 +4,12 @@
 
 #include <algorithm>
 
-#include "com/guard.h"
+#include "com/failure.h"
 #include "com/raii.h"
 #include "com/text.h"
-#include "control/store.h"
 #include "platform/platform.h"
 #include "web/browser.h"
-#include "web/vb_text.h"
+#include "com/text.h"
 
 namespace brevantis {
 namespace {
@@ -39,12 +38,11 @@ bool BelowTheRoot(const std::wstring& index) {
   return !ownRoot && index.find(L':') == std::wstring::npos && segments.find(L"\\..\\") == std::wstring::npos;
 }
 
-void AskForCd() {
+void AskForCd(const WebFacts& facts) {
   Platform& platform = CurrentPlatform();
   platform.SendMciCommand(L"set CDAudio door open");  // the default CD audio device; its result does not matter
-  const Store& store = CurrentStore();
-  platform.ShowMessage(GetActiveWindow(), L"Inserire il CD di " + store[kProgramName].text + L" nel lettore CD-ROM.",
-                       L"Catalogo " + store[kCompanyName].text + L" su CD", MB_OK);
+  platform.ShowMessage(GetActiveWindow(), L"Inserire il CD di " + facts.programName + L" nel lettore CD-ROM.",
+                       L"Catalogo " + facts.companyName + L" su CD", MB_OK);
 }
 
 }  // namespace
@@ -52,7 +50,7 @@ void AskForCd() {
 std::wstring FindCdRomDrive() {
   Platform& platform = CurrentPlatform();
   std::wstring list(kDriveListLength, L' ');
-  const DWORD length = platform.GetLogicalDriveStrings(&list);
+  const DWORD length = platform.ListDriveRoots(&list);
   if (length < list.size()) list.resize(length);
   std::wstring drive;
   UINT type = DRIVE_UNKNOWN;
@@ -63,26 +61,25 @@ std::wstring FindCdRomDrive() {
     if (nul == std::wstring::npos) break;
     drive = list.substr(0, nul + 1);
     list.erase(0, nul + 1);
-    type = platform.GetDriveType(drive.substr(0, nul));
+    type = platform.DriveKind(drive.substr(0, nul));
   } while (!list.empty() && type != DRIVE_CDROM);
   return UpperCase(drive);
 }
 
-HRESULT OpenCatalogueOnCd(CdOutcome* outcome) {
+HRESULT OpenCatalogueOnCd(const std::wstring& index, const WebFacts& facts, CdOutcome* outcome) {
   if (!outcome) return E_POINTER;
   *outcome = CdOutcome::NoBrowser;
   return Guarded([&] {
-    const std::wstring index = CurrentStore()[kCDIndexFile].text;
     if (!BelowTheRoot(index)) return S_OK;  // not opened: NoBrowser's Error 200
     const std::wstring path = FindCdRomDrive().substr(0, 3) + index;
     if (!CanOpenForReading(path)) {
-      AskForCd();
+      AskForCd(facts);
       *outcome = CdOutcome::AskedForCd;
       return S_OK;
     }
     std::wstring browser;
-    const HRESULT hr = FindDefaultBrowser(&browser);
-    if (FAILED(hr) || browser.empty()) return hr;
+    RETURN_IF_FAILED(FindDefaultBrowser(facts.tempFolder, &browser));
+    if (browser.empty()) return S_OK;
     // A browser that the system cannot start has not opened the page either.
     // Quoted, as one argument: a file name cannot hold a quote.
     if (CurrentPlatform().StartProcess(BrowserCommandLine(browser, L"\"" + path + L"\""), SW_SHOWNORMAL))

@@ -4,6 +4,8 @@
 #include <windows.h>
 #include <string>
 
+#include "web/facts.h"
+
 namespace brevantis {
 
 // The root of the first CD-ROM drive in upper case, as the drive list gives
@@ -16,7 +18,8 @@ enum class CdOutcome {
   NoBrowser,     // the page is there but no browser was found, or CDIndexFile is no path below the root
 };
 
-// Opens the catalogue page on the CD. Fails only as FindDefaultBrowser does.
-HRESULT OpenCatalogueOnCd(CdOutcome* outcome);
+// Opens the catalogue page index (CDIndexFile) on the CD. Fails only as
+// FindDefaultBrowser does.
+HRESULT OpenCatalogueOnCd(const std::wstring& index, const WebFacts& facts, CdOutcome* outcome);
 
 }  // namespace brevantis

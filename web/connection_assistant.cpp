@@ -2,18 +2,18 @@
 // Windows 95 through the dial-up chooser.
 #include "web/connection_assistant.h"
 
-#include "control/store.h"
+#include <wininet.h>
+
+#include "com/text.h"
+#include "com/thread_slot.h"
 #include "platform/platform.h"
 #include "web/dial_up.h"
 #include "web/dial_up_chooser.h"
-#include "web/vb_text.h"
 
 namespace brevantis {
 namespace {
 
-// From wininet.h, which is not included: it renames InternetDial.
-constexpr DWORD kRasInstalled = 0x10;  // INTERNET_RAS_INSTALLED
-constexpr DWORD kForceOnline = 1;      // INTERNET_AUTODIAL_FORCE_ONLINE
+ThreadSlot<AssistantState> g_assistants;
 
 constexpr wchar_t kQuestion[] =
     L"Occorre effettuare la connessione ad Internet.\r\rSi vuole effettuare ora la connessione ad Internet?";
@@ -21,8 +21,8 @@ constexpr wchar_t kRefusal[] =
     L"Occorre effettuare la connessione ad Internet. Se non si è connessi ad Internet in questo momento, "
     L"attivare ora la connessione.";
 
-bool IsWindows95() {
-  const std::wstring name = TrimSpaces(CurrentStore()[kOSName].text);
+bool IsWindows95(const WebFacts& facts) {
+  const std::wstring name = TrimSpaces(facts.osName);
   return name.size() >= 2 && name.compare(name.size() - 2, 2, L"95") == 0;
 }
 
@@ -34,34 +34,41 @@ void Refuse(const std::wstring& caption) {
   CurrentPlatform().ShowMessage(GetActiveWindow(), kRefusal, caption, MB_OK | MB_ICONEXCLAMATION);
 }
 
-}  // namespace
-
-void ShowConnectionAssistant(HWND owner) {
-  try {
-    const std::wstring caption = AssistantCaption();
-    if (!IsWindows95()) {
-      const short entries = CountDialUpEntries();
-      const bool rasInstalled = IsRasInstalled();
-      if (entries < 1 || !rasInstalled) return Refuse(caption);
-      if (UserWantsToConnect(caption)) {
-        // The connection is the user's: never hung up here.
-        DWORD_PTR connection = 0;
-        CurrentPlatform().InternetDial(owner, L"", kForceOnline, &connection);
-      }
-      return;
-    }
-    if (CountDialUpEntries() <= 0) return Refuse(caption);
-    if (UserWantsToConnect(caption)) ShowDialUpChooser();
-  } catch (...) {
-    // Nothing of the offer is worth failing the caller for.
-  }
+HWND DialOwner(AssistantState& state) {
+  if (!state.owner || !IsWindow(state.owner))
+    state.owner = CreateWindowExW(0, L"STATIC", L"", WS_POPUP, 0, 0, 0, 0, nullptr, nullptr, nullptr, nullptr);
+  return state.owner;
 }
 
-short CountDialUpEntries() {
+}  // namespace
+
+AssistantState& CurrentAssistantState() { return g_assistants.Get(); }
+
+void ShowConnectionAssistant(const WebFacts& facts) {
+  AssistantState& state = CurrentAssistantState();
+  if (state.dialUpUnavailable) return;
+  const HWND owner = DialOwner(state);
+  const std::wstring caption = AssistantCaption(facts.programName);
+  if (!IsWindows95(facts)) {
+    const short entries = CountDialUpEntries(facts);
+    const bool rasInstalled = IsRasInstalled();
+    if (entries < 1 || !rasInstalled) return Refuse(caption);
+    if (UserWantsToConnect(caption)) {
+      // The connection is the user's: never hung up here.
+      DWORD_PTR connection = 0;
+      CurrentPlatform().DialInternet(owner, L"", INTERNET_AUTODIAL_FORCE_ONLINE, &connection);
+    }
+    return;
+  }
+  if (CountDialUpEntries(facts) <= 0) return Refuse(caption);
+  if (UserWantsToConnect(caption)) ShowDialUpChooser(facts.programName);
+}
+
+short CountDialUpEntries(const WebFacts& facts) {
   const DialUpEntries entries = EnumerateDialUpEntries();
   if (!entries.libraryLoaded) {
-    WarnNotConfigured();
-    CurrentStore().dialUpUnavailable = true;
+    WarnNotConfigured(facts.programName);
+    CurrentAssistantState().dialUpUnavailable = true;
     return 0;
   }
   return static_cast<short>(entries.names.size());
@@ -70,7 +77,7 @@ short CountDialUpEntries() {
 bool IsRasInstalled() {
   DWORD flags = 0;
   CurrentPlatform().GetInternetConnectedState(&flags);  // only the flags count
-  return (flags & kRasInstalled) != 0;
+  return (flags & INTERNET_RAS_INSTALLED) != 0;
 }
 
 }  // namespace brevantis

@@ -3,7 +3,6 @@
 #include <cstring>
 
 #include "com/text.h"
-#include "control/store.h"
 #include "platform/platform.h"
 
 namespace brevantis {
@@ -37,15 +36,14 @@ DialUpEntries EnumerateDialUpEntries() {
   return entries;
 }
 
-std::wstring AssistantCaption() {
-  const std::wstring& program = CurrentStore()[kProgramName].text;
-  return program.empty() ? L"Connessione ad Internet" : program + L" - Connessione ad Internet";
+std::wstring AssistantCaption(const std::wstring& programName) {
+  return programName.empty() ? L"Connessione ad Internet" : programName + L" - Connessione ad Internet";
 }
 
-void WarnNotConfigured() {
+void WarnNotConfigured(const std::wstring& programName) {
   CurrentPlatform().ShowMessage(GetActiveWindow(),
                                 L"Attenzione! Questo computer non è configurato per potere accedere ad Internet.",
-                                AssistantCaption(), MB_OK | MB_ICONEXCLAMATION);
+                                AssistantCaption(programName), MB_OK | MB_ICONEXCLAMATION);
 }
 
 }  // namespace brevantis

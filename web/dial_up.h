@@ -17,9 +17,9 @@ struct DialUpEntries {
 DialUpEntries EnumerateDialUpEntries();
 
 // The caption of the assistant's message boxes; it carries ProgramName.
-std::wstring AssistantCaption();
+std::wstring AssistantCaption(const std::wstring& programName);
 
 // "Attenzione! ..." with the exclamation icon: the machine cannot dial.
-void WarnNotConfigured();
+void WarnNotConfigured(const std::wstring& programName);
 
 }  // namespace brevantis

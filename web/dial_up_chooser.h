@@ -13,8 +13,8 @@ namespace brevantis {
 // entry's name quoted.
 std::wstring RnaDialCommand(const std::wstring& entry);
 
-// Shows the chooser modally (made on first need and kept in the store for the
-// thread) and returns when it is unloaded.
-void ShowDialUpChooser();
+// Shows the chooser modally and returns when it is unloaded; its warnings
+// carry programName.
+void ShowDialUpChooser(const std::wstring& programName);
 
 }  // namespace brevantis

@@ -1,12 +1,9 @@
 #include "web/file_error.h"
 
-#include "BrevantisLib_h.h"
-#include "com/error_info.h"
+#include "model/control_errors.h"
 
 namespace brevantis {
 namespace {
-
-constexpr wchar_t kSource[] = L"BrevantisLib.Brevantis";
 
 bool IsMissingFolder(DWORD error) {
   switch (error) {
@@ -23,9 +20,8 @@ bool IsMissingFolder(DWORD error) {
 }  // namespace
 
 HRESULT RaiseFileError(DWORD win32Error) {
-  if (IsMissingFolder(win32Error))
-    return RaiseError(ControlError(76), __uuidof(_Brevantis), kSource, L"Path not found");
-  return RaiseError(ControlError(75), __uuidof(_Brevantis), kSource, L"Path/File access error");
+  if (IsMissingFolder(win32Error)) return RaiseControlError(76, L"Path not found");
+  return RaiseControlError(75, L"Path/File access error");
 }
 
 }  // namespace brevantis

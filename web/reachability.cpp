@@ -3,18 +3,18 @@
 // only a sure "no way out" counts. The probe runs on a worker thread so that
 // the caller waits a bounded time whatever the network does; a worker that
 // outlives its wait finishes on its own later.
-// The project's headers come first: wininet.h renames InternetDial, which
-// would rename the platform's member of that name too.
-#include "com/raii.h"
-#include "platform/platform.h"
-#include "platform/registry_access.h"
-#include "web/browser.h"
 #include "web/reachability.h"
-#include "web/vb_text.h"
 
 #include <wininet.h>
 
 #include <string>
+
+#include "com/failure.h"
+#include "com/raii.h"
+#include "com/text.h"
+#include "platform/platform.h"
+#include "platform/registry.h"
+#include "web/browser.h"
 
 namespace brevantis {
 namespace {
@@ -40,8 +40,7 @@ bool IsHttpUrl(const std::wstring& url) {
 }
 
 std::wstring ProbeUrl() {
-  const std::wstring value =
-      ReadRegistryString(kProbeSettingsKey, kProbeUrlValue, false, true, false, false, false, false);
+  const std::wstring value = ReadRegistryText(HKEY_CURRENT_USER, kProbeSettingsKey, kProbeUrlValue);
   return IsHttpUrl(value) ? value : kDefaultProbeUrl;
 }
 
@@ -75,17 +74,11 @@ void Release(ProbeJob* job) {
   if (InterlockedDecrement(&job->references) == 0) delete job;
 }
 
-bool RunProbe(ProbeJob* job) noexcept {
-  try {
-    return ProbeFindsNoWayOut(job->url);
-  } catch (...) {
-    return false;
-  }
-}
-
 DWORD WINAPI ProbeThread(void* parameter) {
   auto* job = static_cast<ProbeJob*>(parameter);
-  InterlockedExchange(&job->offline, RunProbe(job) ? 1 : 0);
+  // A probe that fails on its own proves nothing.
+  const HRESULT offline = Guarded([&] { return ProbeFindsNoWayOut(job->url) ? S_OK : S_FALSE; });
+  InterlockedExchange(&job->offline, offline == S_OK ? 1 : 0);
   const HMODULE module = job->module;
   Release(job);
   FreeLibraryAndExitThread(module, 0);
@@ -115,13 +108,9 @@ bool ProbeFindsAWayOut(const std::wstring& url) {
 }  // namespace
 
 bool IsInternetReachable() {
-  try {
-    DWORD flags = 0;
-    if (!CurrentPlatform().GetInternetConnectedState(&flags)) return false;
-    return ProbeFindsAWayOut(ProbeUrl());
-  } catch (...) {
-    return true;  // in doubt, the browser tries
-  }
+  DWORD flags = 0;
+  if (!CurrentPlatform().GetInternetConnectedState(&flags)) return false;
+  return ProbeFindsAWayOut(ProbeUrl());
 }
 
 }  // namespace brevantis

@@ -11,12 +11,12 @@
 #include <string>
 
 #include "BrevantisLib_h.h"
-#include "com/dispatch_client.h"
+#include "testkit/dispatch_client.h"
 #include "com/raii.h"
-#include "local_http_server.h"
-#include "message_box_watcher.h"
-#include "process_counters.h"
-#include "test_container.h"
+#include "testkit/local_http_server.h"
+#include "testkit/message_box_watcher.h"
+#include "testkit/process_counters.h"
+#include "testkit/test_container.h"
 #include "web_test_support.h"
 
 using namespace brevantis;

@@ -5,9 +5,9 @@
 #include <string>
 
 #include "BrevantisLib_h.h"
-#include "com/dispatch_client.h"
+#include "testkit/dispatch_client.h"
 #include "com/raii.h"
-#include "test_container.h"
+#include "testkit/test_container.h"
 #include "test_paths.h"
 
 using namespace brevantis;

@@ -8,11 +8,11 @@
 #include <string>
 
 #include "BrevantisLib_h.h"
-#include "com/dispatch_client.h"
+#include "testkit/dispatch_client.h"
 #include "com/raii.h"
 #include "control/brevantis_control.h"
-#include "control/store.h"
-#include "test_container.h"
+#include "model/store.h"
+#include "testkit/test_container.h"
 
 namespace brevantis::testing {
 

@@ -4,10 +4,10 @@
 #include <windows.h>
 #include <cstdio>
 
-#include "com/dispatch_client.h"
+#include "testkit/dispatch_client.h"
 #include "com/text.h"
 #include "control/brevantis_control.h"
-#include "test_container.h"
+#include "testkit/test_container.h"
 
 using namespace brevantis;
 

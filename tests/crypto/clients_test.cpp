@@ -2,7 +2,7 @@
 // message boxes are real ones, by a C++ client and by Wine's script host.
 #include "crypto_box_fixture.h"
 
-#include "message_box_watcher.h"
+#include "testkit/message_box_watcher.h"
 #include "test_paths.h"
 
 using namespace brevantis;

@@ -10,8 +10,8 @@
 #include "BrevantisLib_h.h"
 #include "com/raii.h"
 #include "com/text.h"
-#include "platform/crypto_filter_box.h"
-#include "recording_platform.h"
+#include "crypto/filter_box.h"
+#include "testkit/recording_platform.h"
 
 namespace brevantis::testing {
 

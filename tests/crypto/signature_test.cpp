@@ -1,7 +1,7 @@
 // Sign and Validate on the real CryptoAPI, with the user's own signature key.
 #include "crypto_box_fixture.h"
 
-#include "platform/crypto_messages.h"
+#include "crypto/messages.h"
 
 using namespace brevantis;
 using brevantis::testing::CryptoBoxTest;

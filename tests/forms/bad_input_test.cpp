@@ -7,7 +7,7 @@
 #include "form_probe.h"
 #include "forms/forms.h"
 #include "forms/forms_resources.h"
-#include "process_counters.h"
+#include "testkit/process_counters.h"
 #include "screens_fixture.h"
 
 using namespace brevantis;

@@ -3,7 +3,7 @@
 #include <windows.h>
 
 #include "com/raii.h"
-#include "control/publisher.h"
+#include "model/publisher.h"
 #include "form_probe.h"
 #include "forms/forms.h"
 #include "forms/forms_resources.h"
@@ -42,7 +42,7 @@ class ControlAbout : public ScreensTest {
     EXPECT_TRUE(visitor.Join());
     EXPECT_EQ(nullptr, FindForm(kForm, true));
     EXPECT_EQ(nullptr, FindForm(kForm, false)) << "unloaded";
-    EXPECT_FALSE(store().aboutForm) << "released";
+    EXPECT_FALSE(CurrentScreens().controlAbout) << "released";
   }
 };
 

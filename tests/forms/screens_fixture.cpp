@@ -27,8 +27,7 @@ void ScreensTest::SetUp() {
 
 void ScreensTest::TearDown() {
   // Forms first, while OLE still holds the pictures they show.
-  store().programAboutForm.reset();
-  store().aboutForm.reset();
+  CurrentScreens() = ThreadScreens();
   store().Initialise();
   OleUninitialize();
 }

@@ -8,9 +8,12 @@
 #include <string>
 
 #include "com/raii.h"
-#include "control/store.h"
-#include "local_http_server.h"
-#include "recording_platform.h"
+#include "control/facts.h"
+#include "forms/forms.h"
+#include "forms/screens.h"
+#include "model/store.h"
+#include "testkit/local_http_server.h"
+#include "testkit/recording_platform.h"
 #include "web_test_support.h"
 
 namespace brevantis::testing {
@@ -21,6 +24,14 @@ class ScreensTest : public ::testing::Test {
   void TearDown() override;
 
   Store& store() { return CurrentStore(); }
+  // The screens as the control's methods show them, with the store's facts.
+  static HRESULT ShowProgramAboutBox() { return brevantis::ShowProgramAboutBox(ProgramFactsOf(CurrentStore())); }
+  static HRESULT ShowProgramSplashScreen() {
+    return brevantis::ShowProgramSplashScreen(ProgramFactsOf(CurrentStore()));
+  }
+  static HRESULT ShowControlAboutBox() {
+    return brevantis::ShowControlAboutBox(CurrentStore()[kVersion].text, WebFactsOf(CurrentStore()));
+  }
 
   RecordingPlatform platform_;
 };

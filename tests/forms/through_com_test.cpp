@@ -2,12 +2,12 @@
 // its ProgID, filled and called late-bound, its forms on the real system.
 #include <windows.h>
 
-#include "com/dispatch_client.h"
-#include "control/environment.h"
+#include "testkit/dispatch_client.h"
+#include "model/environment.h"
 #include "form_probe.h"
 #include "forms/forms_resources.h"
 #include "screens_fixture.h"
-#include "test_container.h"
+#include "testkit/test_container.h"
 
 using namespace brevantis;
 using namespace brevantis::testing;
@@ -75,7 +75,8 @@ TEST_F(ThroughCom, AboutShowsTheVersionOfTheLoadedControl) {
 }
 
 TEST_F(ThroughCom, TheSplashClosesByItselfInTheHostsLoop) {
-  Put(L"SplashScreenInterval", 200);
+  // Long enough to find the splash up under a loaded emulator.
+  Put(L"SplashScreenInterval", 3000);
   ASSERT_EQ(S_OK, Call(L"ShowSplashScreen"));
   const HWND splash = FindForm(L"frmShowAbout");
   ASSERT_NE(nullptr, splash);

@@ -9,7 +9,7 @@
 
 #include "com/raii.h"
 #include "com/text.h"
-#include "message_box_watcher.h"
+#include "testkit/message_box_watcher.h"
 #include "readme_paths.h"
 
 using namespace brevantis;

@@ -7,9 +7,9 @@
 
 #include "com/raii.h"
 #include "com/text.h"
-#include "control/store.h"
-#include "local_http_server.h"
-#include "recording_platform.h"
+#include "web/connection_assistant.h"
+#include "testkit/local_http_server.h"
+#include "testkit/recording_platform.h"
 #include "web/browser.h"
 #include "web_test_support.h"
 
@@ -31,27 +31,27 @@ std::wstring ErrorDescription() {
 // Records what the probe file held when the shell was asked about it.
 struct ProbeReadingPlatform : RecordingPlatform {
   std::string probeContents;
-  UINT_PTR FindExecutable(const std::wstring& file, std::wstring* buffer) override {
+  UINT_PTR LookUpExecutable(const std::wstring& file, std::wstring* buffer) override {
     FileHandle probe(CreateFileW(file.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr));
     probeContents.assign(64, '\0');
     DWORD read = 0;
     if (probe) ReadFile(probe.Get(), &probeContents[0], 64, &read, nullptr);
     probeContents.resize(read);
-    return RecordingPlatform::FindExecutable(file, buffer);
+    return RecordingPlatform::LookUpExecutable(file, buffer);
   }
 };
 
 class Browser : public ::testing::Test {
  protected:
   void SetUp() override {
-    CurrentStore().Initialise();
-    CurrentStore().dialUpUnavailable = false;
-    CurrentStore()[kWinTempDir].text = temp_.Path();
-    CurrentStore()[kWebSiteURL].text = L"http://www.example.com/sito";
+    CurrentAssistantState().dialUpUnavailable = false;
+    facts_.tempFolder = temp_.Path();
   }
+  const std::wstring webSite_ = L"http://www.example.com/sito";
+  WebFacts facts_;
   std::wstring Found() {
     std::wstring browser = L"unchanged";
-    EXPECT_EQ(S_OK, FindDefaultBrowser(&browser));
+    EXPECT_EQ(S_OK, FindDefaultBrowser(facts_.tempFolder, &browser));
     EXPECT_EQ(0u, HtmFilesIn(temp_.Path()));
     return browser;
   }
@@ -89,8 +89,8 @@ TEST_F(Browser, ThePathEndsAfterTheFirstExeAndKeepsItsCase) {
 TEST_F(Browser, ProbeFileErrorsReachTheHostAsFileErrors) {
   ScopedPlatform scope(&platform_);
   std::wstring browser;
-  CurrentStore()[kWinTempDir].text = temp_.Path() + L"\\missing";
-  EXPECT_EQ(kPathNotFound, FindDefaultBrowser(&browser));
+  facts_.tempFolder = temp_.Path() + L"\\missing";
+  EXPECT_EQ(kPathNotFound, FindDefaultBrowser(facts_.tempFolder, &browser));
   EXPECT_EQ(L"Path not found", ErrorDescription());
   EXPECT_TRUE(platform_.executableLookups.empty());
 
@@ -103,16 +103,16 @@ TEST_F(Browser, TheProbeFileIsNewAndTheControlsOwn) {
   const std::wstring users = temp_.Path() + L"\\TEST.HTM";
   WriteTextFile(users, "someone else's");
   std::wstring browser;
-  EXPECT_EQ(S_OK, FindDefaultBrowser(&browser));
+  EXPECT_EQ(S_OK, FindDefaultBrowser(facts_.tempFolder, &browser));
   EXPECT_EQ(1u, HtmFilesIn(temp_.Path()));
   EXPECT_EQ(ReadTextFile(users), "someone else's");
   EXPECT_NE(users, platform_.executableLookups.back());
 
-  CurrentStore()[kWinTempDir].text.clear();
+  facts_.tempFolder.clear();
   wchar_t system[MAX_PATH + 1] = {};
   GetTempPathW(MAX_PATH + 1, system);
   const size_t before = HtmFilesIn(system);
-  EXPECT_EQ(S_OK, FindDefaultBrowser(&browser));
+  EXPECT_EQ(S_OK, FindDefaultBrowser(facts_.tempFolder, &browser));
   EXPECT_EQ(std::wstring(system), LookupFolder() + L"\\");
   EXPECT_EQ(before, HtmFilesIn(system));
 }
@@ -120,16 +120,16 @@ TEST_F(Browser, TheProbeFileIsNewAndTheControlsOwn) {
 TEST_F(Browser, AProbeFileThatCannotBeDeletedIsAnAccessError) {
   struct HoldingPlatform : RecordingPlatform {
     FileHandle held;
-    UINT_PTR FindExecutable(const std::wstring& file, std::wstring* buffer) override {
+    UINT_PTR LookUpExecutable(const std::wstring& file, std::wstring* buffer) override {
       held.Reset(CreateFileW(file.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr, OPEN_EXISTING,
                              0, nullptr));
-      return RecordingPlatform::FindExecutable(file, buffer);
+      return RecordingPlatform::LookUpExecutable(file, buffer);
     }
   } platform;
   ScopedPlatform scope(&platform);
   platform.executable = L"C:\\B\\b.exe";
   std::wstring browser = L"unchanged";
-  EXPECT_EQ(kPathFileAccessError, FindDefaultBrowser(&browser));
+  EXPECT_EQ(kPathFileAccessError, FindDefaultBrowser(facts_.tempFolder, &browser));
   EXPECT_TRUE(platform.held);
   EXPECT_EQ(L"", browser);
 }
@@ -159,7 +159,7 @@ TEST_F(OpeningAddresses, TheAddressIsOneArgumentAfterThePath) {
   };
   for (const auto& [address, argument] : cases) {
     bool opened = false;
-    EXPECT_EQ(S_OK, OpenUrlInBrowser(address, &opened));
+    EXPECT_EQ(S_OK, OpenUrlInBrowser(address, facts_, &opened));
     EXPECT_TRUE(opened);
     EXPECT_EQ(L"C:\\B\\b.exe " + argument, platform_.processes.back().commandLine);
     EXPECT_EQ(1, platform_.processes.back().showCommand);
@@ -167,7 +167,7 @@ TEST_F(OpeningAddresses, TheAddressIsOneArgumentAfterThePath) {
   }
   for (const wchar_t* option : {L"-x", L"--no-sandbox http://a/", L"/x"}) {
     bool opened = true;
-    EXPECT_EQ(S_OK, OpenUrlInBrowser(option, &opened));
+    EXPECT_EQ(S_OK, OpenUrlInBrowser(option, facts_, &opened));
     EXPECT_FALSE(opened);
   }
   EXPECT_EQ(std::size(cases), platform_.processes.size());
@@ -175,7 +175,7 @@ TEST_F(OpeningAddresses, TheAddressIsOneArgumentAfterThePath) {
   // Quoted only when the path holds a space.
   platform_.executable = L"C:\\Program Files\\B\\b.exe";
   bool opened = false;
-  EXPECT_EQ(S_OK, OpenUrlInBrowser(L"x", &opened));
+  EXPECT_EQ(S_OK, OpenUrlInBrowser(L"x", facts_, &opened));
   EXPECT_EQ(L"\"C:\\Program Files\\B\\b.exe\" x", platform_.processes.back().commandLine);
   EXPECT_GT(server_.Requests(), 0);
 }
@@ -184,14 +184,14 @@ TEST_F(OpeningAddresses, NoBrowserOrAFailedStartOpensNothing) {
   ScopedPlatform scope(&platform_);
   bool opened = true;
   platform_.executableCode = 2;
-  EXPECT_EQ(S_OK, OpenUrlInBrowser(L"x", &opened));
+  EXPECT_EQ(S_OK, OpenUrlInBrowser(L"x", facts_, &opened));
   EXPECT_FALSE(opened);
   EXPECT_TRUE(platform_.processes.empty());
 
   platform_.executableCode = 33;
   platform_.executable = L"C:\\B\\b.exe";
   platform_.processStarts = false;
-  EXPECT_EQ(S_OK, OpenUrlInBrowser(L"x", &opened));
+  EXPECT_EQ(S_OK, OpenUrlInBrowser(L"x", facts_, &opened));
   EXPECT_FALSE(opened);
   EXPECT_TRUE(platform_.messages.empty());
 }
@@ -201,18 +201,18 @@ TEST_F(OpeningAddresses, OfflineTheAssistantIsOfferedAndNothingOpened) {
   platform_.connected = false;
   platform_.executable = L"C:\\B\\b.exe";
   bool opened = true;
-  EXPECT_EQ(S_OK, OpenUrlInBrowser(L"x", &opened));
+  EXPECT_EQ(S_OK, OpenUrlInBrowser(L"x", facts_, &opened));
   EXPECT_FALSE(opened);
   EXPECT_EQ(0, server_.Requests());
   EXPECT_TRUE(platform_.executableLookups.empty());
   EXPECT_TRUE(platform_.processes.empty());
   ASSERT_EQ(1u, platform_.messages.size());  // no dial-up entries: the refusal
   EXPECT_EQ(48u, platform_.messages[0].style);
-  EXPECT_TRUE(CurrentStore().assistantOwner);
+  EXPECT_TRUE(IsWindow(CurrentAssistantState().owner));
 
   // Once the dial-up library is known to be missing, nothing more is shown.
-  CurrentStore().dialUpUnavailable = true;
-  EXPECT_EQ(S_OK, OpenUrlInBrowser(L"x", &opened));
+  CurrentAssistantState().dialUpUnavailable = true;
+  EXPECT_EQ(S_OK, OpenUrlInBrowser(L"x", facts_, &opened));
   EXPECT_EQ(1u, platform_.messages.size());
   EXPECT_FALSE(opened);
 }
@@ -228,7 +228,7 @@ class EndToEnd : public OpeningAddresses {
   std::string Ansi(const std::wstring& text) { return ToAnsi(text).c_str(); }
   bool Open(const std::wstring& argument) {
     bool opened = false;
-    EXPECT_EQ(S_OK, OpenUrlInBrowser(WebConnectAddress(argument), &opened));
+    EXPECT_EQ(S_OK, OpenUrlInBrowser(WebConnectAddress(argument, webSite_), facts_, &opened));
     EXPECT_EQ(0u, HtmFilesIn(temp_.Path()));
     return opened;
   }

@@ -4,8 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "com/text.h"
-#include "control/store.h"
-#include "recording_platform.h"
+#include "testkit/recording_platform.h"
 #include "web/cd_catalogue.h"
 #include "web_test_paths.h"
 #include "web_test_support.h"
@@ -25,27 +24,26 @@ std::wstring Root(wchar_t letter) { return std::wstring{letter, L':', L'\\', L'\
 
 // The prefix's real drives, everything else recorded.
 struct RealDrivesPlatform : RecordingPlatform {
-  DWORD GetLogicalDriveStrings(std::wstring* buffer) override { return Win32Platform().GetLogicalDriveStrings(buffer); }
-  UINT GetDriveType(const std::wstring& root) override { return Win32Platform().GetDriveType(root); }
+  DWORD ListDriveRoots(std::wstring* buffer) override { return Win32Platform().ListDriveRoots(buffer); }
+  UINT DriveKind(const std::wstring& root) override { return Win32Platform().DriveKind(root); }
 };
 
 class Catalogue : public ::testing::Test {
  protected:
   void SetUp() override {
-    Store& store = CurrentStore();
-    store.Initialise();
-    store[kWinTempDir].text = temp_.Path();
-    store[kProgramName].text = L"Atlante";
-    store[kCompanyName].text = L"Editrice";
+    facts_ = {L"Atlante", L"Editrice", L"", temp_.Path()};
     platform_.executable = L"C:\\B\\b.exe";
     MakeFolders(kPage.substr(0, kPage.find_last_of(L'\\')));
     WriteTextFile(kPage, "<html></html>");
   }
   void TearDown() override { DeleteTree(std::wstring(CD_FOLDER_PATH) + L"\\zo"); }
 
+  WebFacts facts_;
+  std::wstring index_ = L"zo\\index.htm";  // CDIndexFile's default
+
   CdOutcome Open() {
     CdOutcome outcome = CdOutcome::Opened;
-    EXPECT_EQ(S_OK, OpenCatalogueOnCd(&outcome));
+    EXPECT_EQ(S_OK, OpenCatalogueOnCd(index_, facts_, &outcome));
     EXPECT_EQ(0u, HtmFilesIn(temp_.Path()));
     return outcome;
   }
@@ -90,7 +88,7 @@ TEST_F(Catalogue, WithoutACdRomDriveThePageOnTheLastRootOpens) {
   platform.executable = L"C:\\B\\b.exe";
   platform.driveStrings = Roots(L"ACZ");
   const std::wstring onZ = kPage.substr(3);  // the page's path after Z:\ ...
-  CurrentStore()[kCDIndexFile].text = onZ;
+  index_ = onZ;
   EXPECT_EQ(CdOutcome::Opened, Open());
   ASSERT_EQ(1u, platform.processes.size());
   EXPECT_EQ(L"C:\\B\\b.exe \"Z:\\" + onZ + L"\"", platform.processes[0].commandLine);
@@ -125,7 +123,7 @@ TEST_F(Catalogue, WithoutThePageTheTrayOpensAndTheCdIsAskedFor) {
 
   WriteTextFile(kPage, "<html></html>");
   for (const std::wstring& index : {std::wstring(10000, L'a'), std::wstring(L"zo"), std::wstring(L"zo\\ind\x0416x.htm")}) {
-    CurrentStore()[kCDIndexFile].text = index;
+    index_ = index;
     ExpectAskedForCd();
   }
 }
@@ -145,7 +143,7 @@ TEST_F(Catalogue, ThePageIsTheDriveRootAndCDIndexFileQuoted) {
   for (const wchar_t* index : {L"x --gpu-launcher=calc\\..\\zo\\index.htm", L"zo/../zo/index.htm", L"..\\zo\\index.htm",
                                L"\\zo\\index.htm", L"/zo/index.htm", L"\\\\server\\share\\index.htm",
                                L"D:\\zo\\index.htm", L"zo\\index.htm:x"}) {
-    CurrentStore()[kCDIndexFile].text = index;
+    index_ = index;
     EXPECT_EQ(CdOutcome::NoBrowser, Open()) << ToAnsi(index);
   }
   EXPECT_EQ(2u, platform_.processes.size());

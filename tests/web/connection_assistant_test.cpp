@@ -5,8 +5,7 @@
 
 #include <functional>
 
-#include "control/store.h"
-#include "recording_platform.h"
+#include "testkit/recording_platform.h"
 #include "web/connection_assistant.h"
 #include "web/web_resources.h"
 
@@ -83,37 +82,35 @@ std::vector<std::wstring> ComboItems(HWND chooser) {
 class ConnectionAssistant : public ::testing::Test {
  protected:
   void SetUp() override {
-    store_.Initialise();
-    store_.dialUpUnavailable = false;
-    store_.dialUpChooser.reset();
-    store_[kProgramName].text = L"Atlante";
-    store_[kOSName].text = L"Microsoft Windows XP";
+    CurrentAssistantState().dialUpUnavailable = false;
+    facts_.programName = L"Atlante";
+    facts_.osName = L"Microsoft Windows XP";
     platform_.dialUpEntries = {L"Ufficio", L"Casa"};
     platform_.connectedFlags = 0x12;  // RAS installed
   }
 
-  Store& store_ = CurrentStore();
+  WebFacts facts_;
   RecordingPlatform platform_;
   ScopedPlatform scope_{&platform_};
-  HWND owner_ = reinterpret_cast<HWND>(0x1234);
 };
 
 TEST_F(ConnectionAssistant, OffersToDialAndDialsTheDefaultConnectionOnYes) {
   platform_.answers = {IDYES};
-  ShowConnectionAssistant(owner_);
+  ShowConnectionAssistant(facts_);
 
   ASSERT_EQ(1u, platform_.messages.size());
   EXPECT_EQ(kQuestion, platform_.messages[0].text);
   EXPECT_EQ(kCaption, platform_.messages[0].caption);
   EXPECT_EQ(52u, platform_.messages[0].style);
   ASSERT_EQ(1u, platform_.dials.size());
-  EXPECT_EQ(owner_, platform_.dials[0].parent);
+  EXPECT_TRUE(IsWindow(platform_.dials[0].parent));  // a hidden window of the thread's own
+  EXPECT_EQ(CurrentAssistantState().owner, platform_.dials[0].parent);
   EXPECT_EQ(L"", platform_.dials[0].connection);
   EXPECT_EQ(1u, platform_.dials[0].flags);
 
-  store_[kOSName].text = L"Windows 98";
+  facts_.osName = L"Windows 98";
   platform_.answers = {IDNO};
-  ShowConnectionAssistant(owner_);
+  ShowConnectionAssistant(facts_);
   EXPECT_EQ(2u, platform_.messages.size());
   EXPECT_EQ(1u, platform_.dials.size());  // No dials nothing
 }
@@ -121,7 +118,7 @@ TEST_F(ConnectionAssistant, OffersToDialAndDialsTheDefaultConnectionOnYes) {
 TEST_F(ConnectionAssistant, RefusesWhenNothingCanBeDialled) {
   // No entries: only the refusal, though RAS is asked about all the same.
   platform_.dialUpEntries.clear();
-  ShowConnectionAssistant(owner_);
+  ShowConnectionAssistant(facts_);
   ASSERT_EQ(1u, platform_.messages.size());
   EXPECT_EQ(kRefusal, platform_.messages[0].text);
   EXPECT_EQ(kCaption, platform_.messages[0].caption);
@@ -132,7 +129,7 @@ TEST_F(ConnectionAssistant, RefusesWhenNothingCanBeDialled) {
   platform_.dialUpEntries = {L"Casa"};
   platform_.connectedFlags = 0x02;
   platform_.messages.clear();
-  ShowConnectionAssistant(owner_);
+  ShowConnectionAssistant(facts_);
   ASSERT_EQ(1u, platform_.messages.size());
   EXPECT_EQ(kRefusal, platform_.messages[0].text);
   EXPECT_TRUE(platform_.dials.empty());
@@ -140,18 +137,18 @@ TEST_F(ConnectionAssistant, RefusesWhenNothingCanBeDialled) {
 
 TEST_F(ConnectionAssistant, AMissingDialUpLibraryWarnsTwiceAndStopsLaterOffers) {
   platform_.rasLibraryLoads = false;
-  ShowConnectionAssistant(owner_);
+  ShowConnectionAssistant(facts_);
   ASSERT_EQ(2u, platform_.messages.size());
   EXPECT_EQ(kNotConfigured, platform_.messages[0].text);
   EXPECT_EQ(kCaption, platform_.messages[0].caption);
   EXPECT_EQ(48u, platform_.messages[0].style);
   EXPECT_EQ(kRefusal, platform_.messages[1].text);
-  EXPECT_TRUE(store_.dialUpUnavailable);
-  EXPECT_EQ(0, CountDialUpEntries());
+  EXPECT_TRUE(CurrentAssistantState().dialUpUnavailable);
+  EXPECT_EQ(0, CountDialUpEntries(facts_));
 }
 
 TEST_F(ConnectionAssistant, CountsEntriesAndReadsTheRasFlag) {
-  EXPECT_EQ(2, CountDialUpEntries());
+  EXPECT_EQ(2, CountDialUpEntries(facts_));
   EXPECT_TRUE(IsRasInstalled());
   platform_.connectedFlags = 0x01;
   platform_.connected = false;  // the call's own result does not count
@@ -161,7 +158,7 @@ TEST_F(ConnectionAssistant, CountsEntriesAndReadsTheRasFlag) {
 }
 
 TEST_F(ConnectionAssistant, Windows95TakesTheChooserAndOkDialsTheChosenEntry) {
-  store_[kOSName].text = L"Microsoft Windows 95 ";
+  facts_.osName = L"Microsoft Windows 95 ";
   platform_.answers = {IDYES};
   std::vector<std::wstring> items;
   LRESULT selected = -1;
@@ -172,7 +169,7 @@ TEST_F(ConnectionAssistant, Windows95TakesTheChooserAndOkDialsTheChosenEntry) {
     SendMessageW(combo, CB_SETCURSEL, 1, 0);
     SendMessageW(GetDlgItem(chooser, IDC_RAS95_COMMAND1), BM_CLICK, 0, 0);
   });
-  ShowConnectionAssistant(owner_);
+  ShowConnectionAssistant(facts_);
 
   ASSERT_TRUE(ChooserDriver::ActionRan());
   EXPECT_EQ((std::vector<std::wstring>{L"Ufficio", L"Casa"}), items);
@@ -187,7 +184,6 @@ TEST_F(ConnectionAssistant, Windows95TakesTheChooserAndOkDialsTheChosenEntry) {
   EXPECT_TRUE(platform_.dials.empty());
   EXPECT_EQ(kQuestion, platform_.messages.at(0).text);
   EXPECT_EQ(1u, platform_.messages.size());
-  EXPECT_TRUE(store_.dialUpChooser);  // kept for the next time
 }
 
 TEST_F(ConnectionAssistant, AnEmptyChooserWarnsAndStaysOpenUntilAnnulla) {
@@ -202,14 +198,14 @@ TEST_F(ConnectionAssistant, AnEmptyChooserWarnsAndStaysOpenUntilAnnulla) {
   ScopedPlatform scope(&platform);
   platform.dialUpEntries = {L"Casa"};
   platform.answers = {IDYES};
-  store_[kOSName].text = L"Windows 95";
+  facts_.osName = L"Windows 95";
   size_t messagesWhileOpen = 0;
   ChooserDriver driver([&](HWND chooser) {
     messagesWhileOpen = platform.messages.size();
     EXPECT_TRUE(ComboItems(chooser).empty());
     SendMessageW(GetDlgItem(chooser, IDC_RAS95_COMMAND2), BM_CLICK, 0, 0);
   });
-  ShowConnectionAssistant(owner_);
+  ShowConnectionAssistant(facts_);
 
   ASSERT_TRUE(ChooserDriver::ActionRan());
   ASSERT_EQ(2u, messagesWhileOpen);

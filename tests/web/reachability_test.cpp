@@ -2,8 +2,8 @@
 // all is reachable; only a sure "no way out" is offline, and within the bound.
 #include <gtest/gtest.h>
 
-#include "local_http_server.h"
-#include "recording_platform.h"
+#include "testkit/local_http_server.h"
+#include "testkit/recording_platform.h"
 #include "web/browser.h"
 #include "web/reachability.h"
 #include "web_test_support.h"
