@@ -14,8 +14,10 @@ namespace {
 
 ThreadSlot<ThreadScreens> g_screens;
 
+// Forms are made with new, not make_shared, which without RTTI brings the
+// runtime's mutex pool into the control.
 std::shared_ptr<ProgramAboutForm> ProgramForm(ThreadScreens& screens, const ProgramFacts& facts) {
-  if (!screens.programAbout) screens.programAbout = std::make_shared<ProgramAboutForm>(screens);
+  if (!screens.programAbout) screens.programAbout.reset(new ProgramAboutForm(screens));
   screens.programAbout->Use(facts);
   return screens.programAbout;
 }
@@ -27,8 +29,7 @@ ThreadScreens& CurrentScreens() { return g_screens.Get(); }
 HRESULT ShowControlAboutBox(const std::wstring& controlVersion, const WebFacts& web) {
   ThreadScreens& screens = CurrentScreens();
   if (!screens.controlAbout) {
-    screens.controlAbout =
-        std::make_shared<ControlAboutForm>([&screens] { screens.controlAbout.reset(); }, controlVersion, web);
+    screens.controlAbout.reset(new ControlAboutForm([&screens] { screens.controlAbout.reset(); }, controlVersion, web));
   }
   const std::shared_ptr<ControlAboutForm> form = screens.controlAbout;
   // Asked again while it shows (from a host's timer, say): that one call does nothing.
@@ -55,8 +56,8 @@ HRESULT ShowProgramSplashScreen(const ProgramFacts& program) {
   ThreadScreens& screens = CurrentScreens();
   if (screens.aboutShowing) return S_OK;
   if (!screens.controlAboutLoadedBySplash) {
-    screens.controlAboutLoadedBySplash = std::make_shared<ControlAboutForm>(
-        [&screens] { screens.controlAboutLoadedBySplash.reset(); }, program.controlVersion, program.web);
+    screens.controlAboutLoadedBySplash.reset(new ControlAboutForm(
+        [&screens] { screens.controlAboutLoadedBySplash.reset(); }, program.controlVersion, program.web));
   }
   RETURN_IF_FAILED(screens.controlAboutLoadedBySplash->SetCaption(L""));
   screens.splashMode = true;
