@@ -8,8 +8,8 @@
 #include <cstddef>
 #include <new>
 
-#include "com/module.h"
 #include "com/failure.h"
+#include "com/module.h"
 #include "com/raii.h"
 
 namespace brevantis {

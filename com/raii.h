@@ -23,6 +23,8 @@ class Bstr {
   BSTR Get() const { return value_; }
   UINT Length() const { return SysStringLen(value_); }
   BSTR* Out() { Reset(); return &value_; }
+  // The string as a by-reference argument, which the callee may replace.
+  BSTR* Address() { return &value_; }
   BSTR Detach() { return std::exchange(value_, nullptr); }
   void Reset(BSTR value = nullptr) { SysFreeString(std::exchange(value_, value)); }
 
@@ -125,6 +127,14 @@ struct GdiObjectTraits {
   static HGDIOBJ Invalid() { return nullptr; }
   static void Close(HGDIOBJ h) { DeleteObject(h); }
 };
+struct MemoryDcTraits {
+  static HDC Invalid() { return nullptr; }
+  static void Close(HDC h) { DeleteDC(h); }
+};
+struct ScreenDcTraits {
+  static HDC Invalid() { return nullptr; }
+  static void Close(HDC h) { ReleaseDC(nullptr, h); }
+};
 struct ModuleTraits {
   static HMODULE Invalid() { return nullptr; }
   static void Close(HMODULE h) { FreeLibrary(h); }
@@ -135,5 +145,7 @@ using KernelHandle = UniqueHandle<HANDLE, KernelHandleTraits>;
 using FileHandle = UniqueHandle<HANDLE, FileHandleTraits>;
 using GdiObject = UniqueHandle<HGDIOBJ, GdiObjectTraits>;
 using LoadedLibrary = UniqueHandle<HMODULE, ModuleTraits>;
+using MemoryDc = UniqueHandle<HDC, MemoryDcTraits>;  // CreateCompatibleDC
+using ScreenDc = UniqueHandle<HDC, ScreenDcTraits>;  // GetDC(nullptr)
 
 }  // namespace brevantis

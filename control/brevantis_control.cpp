@@ -114,17 +114,16 @@ void BrevantisControl::RaiseErrorEvent(short code, const std::wstring& text) {
   for (const ComPtr<IDispatch>& sink : sinks) {
     // Each sink gets its own copies; what a handler writes back is ignored.
     short codeArg = code;
-    BSTR textArg = SysAllocStringLen(text.data(), static_cast<UINT>(text.size()));
+    Bstr textArg(text.data(), static_cast<UINT>(text.size()));
     VARIANT args[2];
     VariantInit(&args[0]);
     VariantInit(&args[1]);
     V_VT(&args[0]) = VT_BSTR | VT_BYREF;  // last argument first
-    V_BSTRREF(&args[0]) = &textArg;
+    V_BSTRREF(&args[0]) = textArg.Address();
     V_VT(&args[1]) = VT_I2 | VT_BYREF;
     V_I2REF(&args[1]) = &codeArg;
     DISPPARAMS params = {args, nullptr, 2, 0};
     sink->Invoke(1, IID_NULL, LOCALE_USER_DEFAULT, DISPATCH_METHOD, &params, nullptr, nullptr, nullptr);
-    SysFreeString(textArg);
   }
 }
 

@@ -19,9 +19,8 @@ constexpr wchar_t kWindowClass[] = L"BrevantisControlWindow";
 
 // The square in device pixels of dc (the screen when dc is null).
 LONG SidePixels(HDC dc) {
-  const HDC screen = dc ? nullptr : GetDC(nullptr);
-  const int dpi = GetDeviceCaps(dc ? dc : screen, LOGPIXELSX);
-  if (screen) ReleaseDC(nullptr, screen);
+  const ScreenDc screen(dc ? nullptr : GetDC(nullptr));
+  const int dpi = GetDeviceCaps(dc ? dc : screen.Get(), LOGPIXELSX);
   return MulDiv(kSideTwips, dpi, 1440);
 }
 
@@ -29,15 +28,14 @@ void DrawToolboxPicture(HDC dc, const RECT& bounds) {
   GdiObject bitmap(LoadImageW(ThisModule(), MAKEINTRESOURCEW(1), IMAGE_BITMAP, 0, 0, 0));
   FillRect(dc, &bounds, reinterpret_cast<HBRUSH>(COLOR_BTNFACE + 1));
   if (bitmap) {
-    const HDC memory = CreateCompatibleDC(dc);
-    const HGDIOBJ old = SelectObject(memory, bitmap.Get());
+    const MemoryDc memory(CreateCompatibleDC(dc));
+    const HGDIOBJ old = SelectObject(memory.Get(), bitmap.Get());
     BITMAP info = {};
     GetObjectW(bitmap.Get(), sizeof(info), &info);
     const int left = bounds.left + (bounds.right - bounds.left - info.bmWidth) / 2;
     const int top = bounds.top + (bounds.bottom - bounds.top - info.bmHeight) / 2;
-    BitBlt(dc, left, top, info.bmWidth, info.bmHeight, memory, 0, 0, SRCCOPY);
-    SelectObject(memory, old);
-    DeleteDC(memory);
+    BitBlt(dc, left, top, info.bmWidth, info.bmHeight, memory.Get(), 0, 0, SRCCOPY);
+    SelectObject(memory.Get(), old);
   }
   RECT edge = bounds;
   DrawEdge(dc, &edge, EDGE_RAISED, BF_RECT);

@@ -6,10 +6,10 @@
 #include <string>
 
 #include "BrevantisLib_h.h"
-#include "testkit/dispatch_client.h"
 #include "com/text.h"
-#include "testkit/local_http_server.h"
 #include "demo/screen_presenter.h"
+#include "testkit/dispatch_client.h"
+#include "testkit/local_http_server.h"
 
 using brevantis::DispatchClient;
 using brevantis::ToUtf8;

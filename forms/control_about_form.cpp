@@ -1,5 +1,6 @@
 #include "forms/control_about_form.h"
 
+#include "com/text.h"
 #include "forms/forms_resources.h"
 #include "forms/mail.h"
 #include "forms/maker.h"
@@ -7,7 +8,6 @@
 #include "forms/screen_texts.h"
 #include "platform/ui.h"
 #include "web/browser.h"
-#include "com/text.h"
 
 namespace brevantis {
 namespace {

@@ -3,13 +3,13 @@
 #include <mmsystem.h>
 
 #include "com/module.h"
+#include "com/text.h"
 #include "forms/forms_resources.h"
 #include "forms/picture.h"
 #include "forms/screen_texts.h"
-#include "platform/ui.h"
 #include "platform/platform.h"
+#include "platform/ui.h"
 #include "web/browser.h"
-#include "com/text.h"
 
 namespace brevantis {
 namespace {

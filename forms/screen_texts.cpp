@@ -3,9 +3,8 @@
 #include <windows.h>
 
 #include "com/text.h"
-#include "model/environment.h"
 #include "forms/maker.h"
-#include "com/text.h"
+#include "model/environment.h"
 
 namespace brevantis {
 namespace {

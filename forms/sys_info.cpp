@@ -3,7 +3,6 @@
 #include "forms/forms.h"
 #include "platform/platform.h"
 #include "platform/registry.h"
-#include "com/text.h"
 
 namespace brevantis {
 namespace {

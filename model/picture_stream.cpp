@@ -33,10 +33,8 @@ HRESULT BitmapFile(HBITMAP bitmap, std::string* file) {
   if (size > kCodecMaxBodyBytes) return E_OUTOFMEMORY;
   header.biSizeImage = static_cast<DWORD>(size);
   std::string pixels(header.biSizeImage, '\0');
-  const HDC screen = GetDC(nullptr);
-  const int lines = GetDIBits(screen, bitmap, 0, info.bmHeight, &pixels[0], reinterpret_cast<BITMAPINFO*>(&header),
-                              DIB_RGB_COLORS);
-  ReleaseDC(nullptr, screen);
+  const int lines = GetDIBits(ScreenDc(GetDC(nullptr)).Get(), bitmap, 0, info.bmHeight, &pixels[0],
+                              reinterpret_cast<BITMAPINFO*>(&header), DIB_RGB_COLORS);
   if (lines != info.bmHeight) return E_FAIL;
   BITMAPFILEHEADER fileHeader = {};
   fileHeader.bfType = 0x4D42;  // "BM"

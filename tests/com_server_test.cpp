@@ -11,10 +11,10 @@
 #include <thread>
 
 #include "BrevantisLib_h.h"
-#include "testkit/dispatch_client.h"
 #include "com/raii.h"
-#include "testkit/message_box_watcher.h"
 #include "test_paths.h"
+#include "testkit/dispatch_client.h"
+#include "testkit/message_box_watcher.h"
 
 using namespace brevantis;
 

@@ -8,8 +8,8 @@
 
 #include "BrevantisLib_h.h"
 #include "com/raii.h"
-#include "testkit/registry_snapshot.h"
 #include "test_paths.h"
+#include "testkit/registry_snapshot.h"
 
 using namespace brevantis;
 using brevantis::testing::SnapshotRegistry;

@@ -11,7 +11,6 @@
 #include "platform/ui.h"
 #include "web/connection_assistant.h"
 #include "web/file_error.h"
-#include "com/text.h"
 
 namespace brevantis {
 namespace {

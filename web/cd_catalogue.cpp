@@ -9,7 +9,6 @@
 #include "com/text.h"
 #include "platform/platform.h"
 #include "web/browser.h"
-#include "com/text.h"
 
 namespace brevantis {
 namespace {

@@ -11,8 +11,8 @@
 #include <string>
 
 #include "BrevantisLib_h.h"
-#include "testkit/dispatch_client.h"
 #include "com/raii.h"
+#include "testkit/dispatch_client.h"
 #include "testkit/local_http_server.h"
 #include "testkit/message_box_watcher.h"
 #include "testkit/process_counters.h"

@@ -5,10 +5,10 @@
 #include <string>
 
 #include "BrevantisLib_h.h"
-#include "testkit/dispatch_client.h"
 #include "com/raii.h"
-#include "testkit/test_container.h"
 #include "test_paths.h"
+#include "testkit/dispatch_client.h"
+#include "testkit/test_container.h"
 
 using namespace brevantis;
 using namespace brevantis::testing;

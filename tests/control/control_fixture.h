@@ -8,10 +8,10 @@
 #include <string>
 
 #include "BrevantisLib_h.h"
-#include "testkit/dispatch_client.h"
 #include "com/raii.h"
 #include "control/brevantis_control.h"
 #include "model/store.h"
+#include "testkit/dispatch_client.h"
 #include "testkit/test_container.h"
 
 namespace brevantis::testing {

@@ -4,9 +4,9 @@
 #include <windows.h>
 #include <cstdio>
 
-#include "testkit/dispatch_client.h"
 #include "com/text.h"
 #include "control/brevantis_control.h"
+#include "testkit/dispatch_client.h"
 #include "testkit/test_container.h"
 
 using namespace brevantis;

@@ -2,8 +2,8 @@
 // message boxes are real ones, by a C++ client and by Wine's script host.
 #include "crypto_box_fixture.h"
 
-#include "testkit/message_box_watcher.h"
 #include "test_paths.h"
+#include "testkit/message_box_watcher.h"
 
 using namespace brevantis;
 using brevantis::testing::CryptoBox;

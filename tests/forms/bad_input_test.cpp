@@ -7,8 +7,8 @@
 #include "form_probe.h"
 #include "forms/forms.h"
 #include "forms/forms_resources.h"
-#include "testkit/process_counters.h"
 #include "screens_fixture.h"
+#include "testkit/process_counters.h"
 
 using namespace brevantis;
 using namespace brevantis::testing;

@@ -3,10 +3,10 @@
 #include <windows.h>
 
 #include "com/raii.h"
-#include "model/publisher.h"
 #include "form_probe.h"
 #include "forms/forms.h"
 #include "forms/forms_resources.h"
+#include "model/publisher.h"
 #include "screens_fixture.h"
 
 using namespace brevantis;

@@ -10,8 +10,8 @@
 #include "form_probe.h"
 #include "forms/forms.h"
 #include "forms/mail.h"
-#include "testkit/message_box_watcher.h"
 #include "screens_fixture.h"
+#include "testkit/message_box_watcher.h"
 
 using namespace brevantis;
 using namespace brevantis::testing;

@@ -4,10 +4,10 @@
 #include <windows.h>
 #include <mmsystem.h>
 
+#include "com/text.h"
 #include "form_probe.h"
 #include "forms/forms.h"
 #include "forms/forms_resources.h"
-#include "com/text.h"
 #include "screens_fixture.h"
 
 using namespace brevantis;

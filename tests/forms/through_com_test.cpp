@@ -2,11 +2,11 @@
 // its ProgID, filled and called late-bound, its forms on the real system.
 #include <windows.h>
 
-#include "testkit/dispatch_client.h"
-#include "model/environment.h"
 #include "form_probe.h"
 #include "forms/forms_resources.h"
+#include "model/environment.h"
 #include "screens_fixture.h"
+#include "testkit/dispatch_client.h"
 #include "testkit/test_container.h"
 
 using namespace brevantis;

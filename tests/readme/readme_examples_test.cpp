@@ -9,8 +9,8 @@
 
 #include "com/raii.h"
 #include "com/text.h"
-#include "testkit/message_box_watcher.h"
 #include "readme_paths.h"
+#include "testkit/message_box_watcher.h"
 
 using namespace brevantis;
 

@@ -7,10 +7,10 @@
 
 #include "com/raii.h"
 #include "com/text.h"
-#include "web/connection_assistant.h"
 #include "testkit/local_http_server.h"
 #include "testkit/recording_platform.h"
 #include "web/browser.h"
+#include "web/connection_assistant.h"
 #include "web_test_support.h"
 
 using namespace brevantis;

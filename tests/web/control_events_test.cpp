@@ -3,13 +3,13 @@
 #include <gtest/gtest.h>
 
 #include "BrevantisLib_h.h"
-#include "testkit/dispatch_client.h"
 #include "com/text.h"
 #include "control/brevantis_control.h"
+#include "test_paths.h"
+#include "testkit/dispatch_client.h"
 #include "testkit/local_http_server.h"
 #include "testkit/recording_platform.h"
 #include "testkit/test_container.h"
-#include "test_paths.h"
 #include "web_test_paths.h"
 #include "web_test_support.h"
 
