@@ -86,7 +86,7 @@ Timing Measure(_clsCryptoFilterBox* box, const std::wstring& in, bool encrypt) {
 }  // namespace
 
 int main() {
-  testing::RecordingPlatform platform;
+  testing::RecordingPlatform platform(testing::RecordingPlatform::kAnyCall);
   testing::ScopedPlatform scoped(&platform);
   ComPtr<_clsCryptoFilterBox> box;
   if (FAILED(CryptoFilterBox::Create(IID__clsCryptoFilterBox, box.OutVoid()))) return 2;

@@ -10,7 +10,12 @@ constexpr DWORD kRasRecordBytes = 264;
 constexpr DWORD kErrorBufferTooSmall = 603;
 }  // namespace
 
+void RecordingPlatform::Note(Call kind, const wchar_t* name) {
+  if (!(expected & kind)) unexpected.push_back(name);
+}
+
 int RecordingPlatform::ShowMessage(HWND owner, const std::wstring& text, const std::wstring& caption, UINT style) {
+  Note(kMessage, L"ShowMessage");
   messages.push_back({owner, text, caption, style});
   if (answers.empty()) return defaultAnswer;
   const int answer = answers.front();
@@ -19,21 +24,25 @@ int RecordingPlatform::ShowMessage(HWND owner, const std::wstring& text, const s
 }
 
 bool RecordingPlatform::StartProcess(const std::wstring& commandLine, int showCommand) {
+  Note(kProcess, L"StartProcess");
   processes.push_back({commandLine, showCommand});
   return processStarts;
 }
 
 bool RecordingPlatform::PlaySoundFile(const std::wstring& path, UINT flags) {
+  Note(kSound, L"PlaySoundFile");
   sounds.push_back({path, flags});
   return true;
 }
 
 DWORD RecordingPlatform::SendMciCommand(const std::wstring& command) {
+  Note(kMci, L"SendMciCommand");
   mciCommands.push_back(command);
   return 0;
 }
 
 bool RecordingPlatform::GetInternetConnectedState(DWORD* flags) {
+  Note(kConnectedState, L"GetInternetConnectedState");
   ++connectedStateCalls;
   *flags = connectedFlags;
   return connected;
@@ -41,12 +50,14 @@ bool RecordingPlatform::GetInternetConnectedState(DWORD* flags) {
 
 DWORD RecordingPlatform::DialInternet(HWND parent, const std::wstring& connection, DWORD flags,
                                       DWORD_PTR* connection_out) {
+  Note(kDial, L"DialInternet");
   dials.push_back({parent, connection, flags});
   if (connection_out) *connection_out = 0;
   return ERROR_SUCCESS;
 }
 
 bool RecordingPlatform::EnumDialUpEntries(void* buffer, DWORD* bufferSize, DWORD* entries, DWORD* result) {
+  Note(kDialUpList, L"EnumDialUpEntries");
   ++dialUpEnumerations;
   if (!rasLibraryLoads) return false;
   const DWORD needed = static_cast<DWORD>(dialUpEntries.size()) * kRasRecordBytes;
@@ -72,6 +83,7 @@ bool RecordingPlatform::EnumDialUpEntries(void* buffer, DWORD* bufferSize, DWORD
 }
 
 UINT_PTR RecordingPlatform::LookUpExecutable(const std::wstring& file, std::wstring* buffer) {
+  Note(kExecutable, L"LookUpExecutable");
   executableLookups.push_back(file);
   if (executableCode > 32) {
     std::wstring written = executable;
@@ -83,6 +95,7 @@ UINT_PTR RecordingPlatform::LookUpExecutable(const std::wstring& file, std::wstr
 }
 
 DWORD RecordingPlatform::ListDriveRoots(std::wstring* buffer) {
+  Note(kDrives, L"ListDriveRoots");
   // As the system does: the whole list with its final NUL when it fits, else
   // only the size it would need.
   const DWORD length = static_cast<DWORD>(driveStrings.size());
@@ -92,6 +105,7 @@ DWORD RecordingPlatform::ListDriveRoots(std::wstring* buffer) {
 }
 
 UINT RecordingPlatform::DriveKind(const std::wstring& root) {
+  Note(kDrives, L"DriveKind");
   driveTypeQueries.push_back(root);
   const auto found = driveTypes.find(root);
   return found == driveTypes.end() ? DRIVE_FIXED : found->second;

@@ -1,5 +1,7 @@
-// A platform that records every call and answers from a script, for tests of
-// what the control would show, start, play or dial.
+// A strict fake platform: it records every call and answers from a script,
+// for tests of what the control would show, start, play or dial. A test names
+// the kinds of call it expects; any other call is listed in `unexpected`,
+// which the test's fixture checks is empty.
 #pragma once
 
 #include <deque>
@@ -13,6 +15,14 @@ namespace brevantis::testing {
 
 class RecordingPlatform : public Platform {
  public:
+  enum Call : unsigned {
+    kMessage = 1, kProcess = 2, kSound = 4, kMci = 8, kConnectedState = 16, kDial = 32,
+    kDialUpList = 64, kExecutable = 128, kDrives = 256, kAnyCall = 511
+  };
+  explicit RecordingPlatform(unsigned expectedCalls = 0) : expected(expectedCalls) {}
+
+  unsigned expected;                   // the kinds of call the test expects
+  std::vector<std::wstring> unexpected;  // every other call, by name
   struct Message {
     HWND owner;
     std::wstring text;
@@ -67,6 +77,9 @@ class RecordingPlatform : public Platform {
   UINT_PTR LookUpExecutable(const std::wstring& file, std::wstring* buffer) override;
   DWORD ListDriveRoots(std::wstring* buffer) override;
   UINT DriveKind(const std::wstring& root) override;
+
+ private:
+  void Note(Call kind, const wchar_t* name);
 };
 
 // Puts a platform in place for the life of a scope.
