@@ -1,3 +1,2 @@
-' Creates the control by ProgID as a program installed with the package would.
-Dim control : Set control = CreateObject("BrevantisLib.Brevantis")
+Set control = CreateObject("BrevantisLib.Brevantis")  ' as a program installed with the package would
 WScript.Echo "created " & control.CompanyName
