@@ -17,7 +17,7 @@ snapshot() {  # what of ours a user could find: registry lines, and the system f
     "$run" reg export $hive "$(win "$work/$hive.reg")" /y >/dev/null
     iconv -f UTF-16LE -t UTF-8 "$work/$hive.reg" | tr -d '\r' | grep -iF -f "$work/ours" || true
   done > "$work/$1"
-  (cd "$prefix/drive_c/windows" && find system32 syswow64 -maxdepth 1 2>/dev/null | sort) >> "$work/$1"
+  (cd "$prefix/drive_c/windows" && find system32 $([[ -d syswow64 ]] && echo syswow64) -maxdepth 1 | sort) >> "$work/$1"
 }
 # A 32-bit package on 64-bit Windows serves 32-bit hosts from SysWOW64.
 folder=system32 && [[ $package == *x86* && -d $prefix/drive_c/windows/syswow64 ]] && folder=syswow64
