@@ -17,7 +17,7 @@ void RecordingPlatform::Note(Call kind, const wchar_t* name) {
 int RecordingPlatform::ShowMessage(HWND owner, const std::wstring& text, const std::wstring& caption, UINT style) {
   Note(kMessage, L"ShowMessage");
   messages.push_back({owner, text, caption, style});
-  if (answers.empty()) return defaultAnswer;
+  if (answers.empty()) return IDOK;
   const int answer = answers.front();
   answers.pop_front();
   return answer;
@@ -58,7 +58,6 @@ DWORD RecordingPlatform::DialInternet(HWND parent, const std::wstring& connectio
 
 bool RecordingPlatform::EnumDialUpEntries(void* buffer, DWORD* bufferSize, DWORD* entries, DWORD* result) {
   Note(kDialUpList, L"EnumDialUpEntries");
-  ++dialUpEnumerations;
   if (!rasLibraryLoads) return false;
   const DWORD needed = static_cast<DWORD>(dialUpEntries.size()) * kRasRecordBytes;
   if (needed > *bufferSize) {
@@ -106,7 +105,6 @@ DWORD RecordingPlatform::ListDriveRoots(std::wstring* buffer) {
 
 UINT RecordingPlatform::DriveKind(const std::wstring& root) {
   Note(kDrives, L"DriveKind");
-  driveTypeQueries.push_back(root);
   const auto found = driveTypes.find(root);
   return found == driveTypes.end() ? DRIVE_FIXED : found->second;
 }

@@ -50,13 +50,10 @@ class RecordingPlatform : public Platform {
   std::vector<std::wstring> mciCommands;
   std::vector<Dial> dials;
   std::vector<std::wstring> executableLookups;
-  std::vector<std::wstring> driveTypeQueries;
   int connectedStateCalls = 0;
-  int dialUpEnumerations = 0;
 
-  // The answers. Message boxes answer from the queue, then with defaultAnswer.
+  // The answers. Message boxes answer from the queue, then with OK.
   std::deque<int> answers;
-  int defaultAnswer = IDOK;
   bool processStarts = true;
   bool connected = true;
   DWORD connectedFlags = 0x12;
